@@ -1,0 +1,35 @@
+#include "base/File.h"
+
+#include <new>
+#include <system_error>
+
+std::optional<std::vector<std::byte>> ReadWholeFile(IFileSystem& files, const std::filesystem::path& file,
+                                                    std::uint64_t limit)
+{
+    const auto source = files.Open(file, OpenMode::Read);
+    if (!source || source->Size() > limit)
+        return std::nullopt;
+    std::vector<std::byte> bytes(static_cast<std::size_t>(source->Size()));
+    if (source->ReadAt(0, bytes) != bytes.size())
+        return std::nullopt;
+    return bytes;
+}
+
+bool WriteWholeFile(IFileSystem& files, const std::filesystem::path& file, std::span<const std::byte> bytes)
+{
+    std::filesystem::path beside = file;
+    beside += ".new";
+    {
+        const auto target = files.Open(beside, OpenMode::Truncate);
+        if (!target)
+            return false;
+        if (!target->WriteAt(0, bytes) || !target->Sync()) {
+            files.Remove(beside);
+            return false;
+        }
+    }
+    if (files.Replace(beside, file))
+        return true;
+    files.Remove(beside);
+    return false;
+}
