@@ -1,0 +1,49 @@
+#pragma once
+
+// The TXT list on disk. It is held open between rewrites, so that nobody else writes to it, and is only ever
+// replaced whole: the new text is written to a file beside it, which then takes its place in one step.
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "base/File.h"
+
+class CTextListFile {
+public:
+    explicit CTextListFile(IFileSystem& files) : m_rFiles(files) {}
+
+    /// Forgets an older file. True when the list is there and may be read and written.
+    bool Open(const std::filesystem::path& list);
+    void Close();
+    bool IsOpen() const { return m_pFile != nullptr; }
+    /// Something of that name is there, whether or not it can be opened.
+    bool Exists() const { return m_rFiles.Exists(m_sPath); }
+    const std::filesystem::path& Path() const { return m_sPath; }
+
+    /// The whole text, or nothing when it cannot be read.
+    std::optional<std::vector<std::byte>> Read() const;
+
+    /// The next rewrite first copies the list to `<list>.bak`, unless there is such a file already.
+    void KeepCopyAtNextRewrite() { m_bCopyDue = true; }
+
+    /// A rewrite in two steps. Prepare writes the new text to the disk, beside the list, and makes the due
+    /// copy; it leaves the list alone. Commit puts it into place. Whatever fails, the old list stays as it
+    /// was and open; a prepared text that is not committed is removed by Discard. Also creates a list that is
+    /// missing.
+    bool Prepare(std::span<const std::byte> text);
+    bool Commit();
+    void Discard();
+
+private:
+    bool KeepCopy();
+
+    IFileSystem& m_rFiles;
+    std::filesystem::path m_sPath;
+    std::filesystem::path m_sTarget;  // the file that a link of that name leads to
+    std::filesystem::path m_sPrepared;
+    std::unique_ptr<IFile> m_pFile;
+    bool m_bCopyDue = false;
+};

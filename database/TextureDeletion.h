@@ -1,0 +1,53 @@
+#pragma once
+
+// One deletion of any number of textures, step by step: plan, prepare, move, commit, finish. The plan is
+// made, and a damaged layout refused, when the object is built; a failure before Commit leaves every texture
+// that should stay readable, and after it only tables and lengths can be behind, which the next start finds.
+// Borrows the database.
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "database/DeletionPlan.h"
+#include "database/TextureDatabaseImpl.h"
+
+enum class FailedDeletionStep { None, Thumbnails, Rasters, Table };
+
+class CTextureDeletion {
+public:
+    /// `isGone` names the entries. Throws CError, and has changed nothing, when a record's place cannot be
+    /// right.
+    CTextureDeletion(CTextureDatabase::CImpl& state, std::vector<bool> isGone, IProgress& progress);
+    ~CTextureDeletion();
+    CTextureDeletion(const CTextureDeletion&) = delete;
+    CTextureDeletion& operator=(const CTextureDeletion&) = delete;
+
+    /// Writes the new list and the new thumbnail files beside the old ones. What was there is not touched.
+    void Prepare();
+    /// Closes the gaps in the `.dat` files. When this fails, an entry that should go may have lost its
+    /// raster.
+    void MoveRecords();
+    /// Puts the list into place and drops the entries. Aliases of a gone entry get `heir` as their target.
+    void Commit(std::optional<std::uint32_t> heir);
+    /// Tables, thumbnails and lengths; goes on after a failure and names the first.
+    FailedDeletionStep Finish();
+
+private:
+    DeletionPlan Plan(CacheIndex cache, RecordKind kind, std::uint64_t fileBytes);
+    void PrepareThumbnails(CacheIndex cache, const DeletionPlan& plan);
+    void PrepareTable(CacheIndex cache);
+    void MoveRecordsOf(CacheIndex cache, const DeletionPlan& plan);
+    void PlaceOwners(CacheIndex cache, const DeletionPlan& plan, const MovedPiece& piece,
+                     std::uint64_t place);
+    void Forget(CacheIndex cache, std::uint32_t entry);
+
+    CTextureDatabase::CImpl& m_rState;
+    std::vector<bool> m_aGone;
+    IProgress& m_rProgress;
+    std::vector<TextureEntry> m_aRemaining;
+    std::array<std::optional<DeletionPlan>, kCacheCount> m_aRasters;
+    std::array<std::optional<DeletionPlan>, kCacheCount> m_aThumbnails;
+    std::array<std::filesystem::path, kCacheCount> m_aPreparedThumbnails;
+};
