@@ -1,0 +1,53 @@
+#pragma once
+
+// The texts that a codec plugin offers to the options menu, and the quality levels behind them. Pure
+// constants and functions; every plugin's exports answer GetPluginInfo with them.
+
+#include <cstdint>
+
+#include "plugins/plugin.h"
+
+namespace Plugin {
+
+/// Deliberate: the default of every cache is index 0, so the level meant for everyday work comes first in the
+/// list.
+enum class Quality : std::uint32_t { Normal = 0, Fast = 1, High = 2, Best = 3 };
+
+/// Lists in the form of GetPluginInfo: each name ended by NUL, an empty name (the literal's own NUL) after
+/// the last.
+inline constexpr char16_t kQualityNames[] = u"Normal\0Fast\0High\0Best\0";
+inline constexpr char16_t kDitheringNames[] = u"None\0Error diffusion\0";
+
+/// The level that the flag word asks for; an index behind the list (a setting of another plugin) means
+/// Normal.
+constexpr Quality QualityOf(std::uint32_t flags)
+{
+    const std::uint32_t index = flags & MavrelQualityMask;
+    return index <= static_cast<std::uint32_t>(Quality::Best) ? static_cast<Quality>(index) : Quality::Normal;
+}
+
+struct Texts {
+    const char16_t* qualityNames;
+    const char16_t* ditheringNames;
+    const char16_t* displayName;
+    const char16_t* description;
+};
+
+/// The answer to GetPluginInfo(what); null for a number that is not in MavrelPluginInfo.
+constexpr const char16_t* TextFor(const Texts& texts, std::uint32_t what)
+{
+    switch (what) {
+        case MavrelQualityNames:
+            return texts.qualityNames;
+        case MavrelDitheringNames:
+            return texts.ditheringNames;
+        case MavrelDisplayName:
+            return texts.displayName;
+        case MavrelDescription:
+            return texts.description;
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace Plugin

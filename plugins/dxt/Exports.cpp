@@ -1,0 +1,58 @@
+// What the DXT library exports: the plugin interface as a thin layer over Dxt.h.
+
+#include <new>
+
+#include "plugins/dxt/Dxt.h"
+
+namespace {
+constexpr Plugin::Texts kTexts{
+    Plugin::kQualityNames, Plugin::kDitheringNames, u"DXT codec",
+    u"Encodes and decodes S3 texture compression: DXT1, DXT1 with one-bit alpha, DXT3 and DXT5."};
+}  // namespace
+
+extern "C" {
+
+MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLBuildID()
+{
+    return MAVREL_PLUGIN_BUILD;
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLType()
+{
+    return MAVREL_PLUGIN_TYPE;
+}
+
+MAVREL_PLUGIN_EXPORT const char16_t* GetPluginInfo(std::uint32_t what)
+{
+    return Plugin::TextFor(kTexts, what);
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t GetPluginThreading()
+{
+    return 1;
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t DXTCompress(const void* source, void* destination, std::uint32_t width,
+                                               std::uint32_t height, std::uint32_t /*mode*/,
+                                               std::uint32_t flags)
+{
+    const auto variant = Dxt::VariantOf(flags);
+    if (!variant)
+        return 0;
+    try {
+        return Dxt::Compress(source, destination, width, height,
+                             {*variant, Plugin::QualityOf(flags), (flags & MavrelDithering) != 0});
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t DXTDecompress(const void* source, void* destination, std::uint32_t width,
+                                                 std::uint32_t height, std::uint32_t /*mode*/,
+                                                 std::uint32_t flags)
+{
+    const auto variant = Dxt::VariantOf(flags);
+    return variant ? Dxt::Decompress(source, destination, width, height, *variant) : 0;
+}
+
+}  // extern "C"

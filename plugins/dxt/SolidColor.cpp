@@ -1,0 +1,89 @@
+#include "plugins/dxt/SolidColor.h"
+
+namespace Dxt {
+namespace {
+struct LevelPair {
+    std::uint8_t first;
+    std::uint8_t second;
+    std::uint8_t reached;
+};
+
+using LevelTable = std::array<LevelPair, 256>;
+
+constexpr int Expand(int level, int bits)
+{
+    return bits == 5 ? Expand5(level) : Expand6(level);
+}
+
+constexpr int Mix(int first, int second, PaletteMode mode)
+{
+    return mode == PaletteMode::FourColors ? Third(first, second) : Half(first, second);
+}
+
+constexpr std::size_t Index(int value)
+{
+    return static_cast<std::size_t>(value);
+}
+
+// A value that no pair reaches takes the pair of the nearest value that one does.
+constexpr LevelPair NearestReached(const LevelTable& reached, const std::array<int, 256>& distance, int value)
+{
+    for (int away = 0; away < 256; ++away) {
+        if (value - away >= 0 && distance[Index(value - away)] >= 0)
+            return reached[Index(value - away)];
+        if (value + away < 256 && distance[Index(value + away)] >= 0)
+            return reached[Index(value + away)];
+    }
+    return {};
+}
+
+constexpr LevelTable MakeTable(int bits, PaletteMode mode)
+{
+    LevelTable reached{};
+    std::array<int, 256> distance{};
+    for (int& entry : distance)
+        entry = -1;
+    const int levels = 1 << bits;
+    for (int first = 0; first < levels; ++first)
+        for (int second = 0; second < levels; ++second) {
+            const int value = Mix(Expand(first, bits), Expand(second, bits), mode);
+            const int apart = first > second ? first - second : second - first;
+            int& best = distance[Index(value)];
+            // Of equal pairs the closest: decoders that round the mix differently then differ least.
+            if (best >= 0 && best <= apart)
+                continue;
+            best = apart;
+            reached[Index(value)] = {static_cast<std::uint8_t>(first), static_cast<std::uint8_t>(second),
+                                     static_cast<std::uint8_t>(value)};
+        }
+    LevelTable table{};
+    for (int value = 0; value < 256; ++value)
+        table[Index(value)] = NearestReached(reached, distance, value);
+    return table;
+}
+
+constexpr LevelTable kFour5 = MakeTable(5, PaletteMode::FourColors);
+constexpr LevelTable kFour6 = MakeTable(6, PaletteMode::FourColors);
+constexpr LevelTable kThree5 = MakeTable(5, PaletteMode::ThreeColors);
+constexpr LevelTable kThree6 = MakeTable(6, PaletteMode::ThreeColors);
+
+int Squared(int difference)
+{
+    return difference * difference;
+}
+}  // namespace
+
+SolidEndpoints SolidEndpointsFor(const Rgb& color, PaletteMode mode)
+{
+    const bool four = mode == PaletteMode::FourColors;
+    const LevelTable& five = four ? kFour5 : kThree5;
+    const LevelTable& six = four ? kFour6 : kThree6;
+    const LevelPair red = five[Index(color.red)];
+    const LevelPair green = six[Index(color.green)];
+    const LevelPair blue = five[Index(color.blue)];
+    return {PackColor(red.first, green.first, blue.first), PackColor(red.second, green.second, blue.second),
+            Squared(color.red - red.reached) + Squared(color.green - green.reached) +
+                Squared(color.blue - blue.reached)};
+}
+
+}  // namespace Dxt

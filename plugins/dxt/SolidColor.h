@@ -1,0 +1,22 @@
+#pragma once
+
+// The best endpoints for a block of one colour. Per channel a table, built at compile time, knows for each
+// 8-bit value the pair of endpoint levels whose mixed colour comes nearest.
+
+#include <cstdint>
+
+#include "plugins/dxt/BlockFormat.h"
+
+namespace Dxt {
+
+struct SolidEndpoints {
+    std::uint16_t color0;
+    std::uint16_t color1;
+    /// Summed squared difference of one pixel.
+    int error;
+};
+
+/// The endpoints whose index 2 of this mode is nearest to the colour; no other pair is nearer in any channel.
+SolidEndpoints SolidEndpointsFor(const Rgb& color, PaletteMode mode);
+
+}  // namespace Dxt

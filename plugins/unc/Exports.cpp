@@ -1,0 +1,49 @@
+// What the UNC library exports: the plugin interface as a thin layer over Unc.h.
+
+#include "plugins/common/PluginInfo.h"
+#include "plugins/unc/Unc.h"
+
+namespace {
+// Packing cuts bits off and has nothing to search, so there is one level and no dithering to choose from.
+constexpr Plugin::Texts kTexts{
+    u"Normal\0", u"None\0", u"16-bit converter",
+    u"Packs pictures to RGBA 565 or RGBA 4444 and hands 16-bit rasters on unchanged."};
+}  // namespace
+
+extern "C" {
+
+MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLBuildID()
+{
+    return MAVREL_PLUGIN_BUILD;
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLType()
+{
+    return MAVREL_PLUGIN_TYPE;
+}
+
+MAVREL_PLUGIN_EXPORT const char16_t* GetPluginInfo(std::uint32_t what)
+{
+    return Plugin::TextFor(kTexts, what);
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t GetPluginThreading()
+{
+    return 1;
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t UNCCompress(const void* source, void* destination, std::uint32_t width,
+                                               std::uint32_t height, std::uint32_t /*mode*/,
+                                               std::uint32_t flags)
+{
+    return Unc::Compress(source, destination, width, height, (flags & MavrelAlpha) != 0);
+}
+
+MAVREL_PLUGIN_EXPORT std::uint32_t UNCDecompress(const void* source, void* destination, std::uint32_t width,
+                                                 std::uint32_t height, std::uint32_t /*mode*/,
+                                                 std::uint32_t /*flags*/)
+{
+    return Unc::Decompress(source, destination, width, height);
+}
+
+}  // extern "C"
