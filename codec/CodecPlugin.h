@@ -1,0 +1,28 @@
+#pragma once
+
+// One loaded codec plugin and what it says about itself. plugins/plugin.h is the interface that it
+// implements.
+
+#include <string>
+#include <vector>
+
+#include "base/DynamicLibrary.h"
+#include "database/CacheIndex.h"
+#include "plugins/plugin.h"
+
+struct CodecPlugin {
+    std::wstring fileName;  // with extension, without folder
+    CDynamicLibrary library;
+    bool threadSafe = false;
+
+    std::wstring DisplayName() const;
+    std::wstring Description() const;
+    /// At most five names each; empty when the plugin lists none.
+    std::vector<std::wstring> QualityNames() const;
+    std::vector<std::wstring> DitheringNames() const;
+    /// True when it exports both entry points of the cache.
+    bool Supports(CacheIndex cache) const;
+    /// Null when the plugin lacks the entry point.
+    MavrelCompressFn Compress(CacheIndex cache) const;
+    MavrelDecompressFn Decompress(CacheIndex cache) const;
+};

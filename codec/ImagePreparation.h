@@ -1,0 +1,64 @@
+#pragma once
+
+// Makes the records of a new texture out of a picture, in the format of every target cache, and stores them.
+// Preparing changes nothing; storing does nothing that can still be refused, so that a texture can be
+// replaced without the risk of losing it.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/Settings.h"
+#include "codec/PluginTable.h"
+#include "codec/RecordPreparation.h"
+#include "database/TextureDatabase.h"
+#include "image/Bitmap.h"
+
+struct ImportTarget {
+    std::wstring name;
+    bool hasAlpha = false;
+    bool storeRgba8888 = false;
+    /// Nothing: every open cache, and a new entry. A cache: only its records; the caller keeps the entry.
+    std::optional<CacheIndex> cache = std::nullopt;
+    StreamMode streamMode = StreamMode::Raw;
+    /// Nothing: each cache's own encoder.
+    std::optional<CacheIndex> forcedEncoder = std::nullopt;
+    std::uint32_t category = 0;
+    /// The entry that the caller deletes before the texture is stored. It is no duplicate, and while it has
+    /// aliases nothing is: they are to find a texture with pixels under its name.
+    std::optional<std::uint32_t> replaced = std::nullopt;
+    /// The hash of the source file that the caller sets afterwards, so that its pair is counted in the line's
+    /// length.
+    std::uint32_t pngHash = 0;
+};
+
+enum class StoreResult { Stored, MadeAlias };
+
+/// A texture that has passed every check and waits to be stored.
+struct PreparedTexture {
+    std::wstring name;
+    /// The name of the texture with the same pixels: an alias of it is stored, and nothing else.
+    std::optional<std::wstring> duplicateOf;
+    /// Nothing when only the records of one cache are stored.
+    std::optional<TextureEntry> entry;
+    CPreparedRecords records;
+};
+
+/// Throws CError (not shown) for wrong dimensions, a name or a line that does not fit, a cache that is not
+/// open or an encoder that does not keep to the sizes of its format.
+PreparedTexture PrepareTexture(CTextureDatabase& database, const CPluginTable& plugins,
+                               const ISettings& settings, const CBitmap& picture, const ImportTarget& target);
+/// Throws CError for a failed write; then nothing has changed.
+StoreResult StorePrepared(CTextureDatabase& database, PreparedTexture prepared);
+
+/// Both in one. Throws CError (not shown) for wrong dimensions, a name or a line that does not fit, an
+/// encoder that does not keep to the sizes of its format, or a failed write; then nothing has changed.
+StoreResult PrepareAndStore(CTextureDatabase& database, const CPluginTable& plugins,
+                            const ISettings& settings, const CBitmap& picture, const ImportTarget& target);
+
+/// Throws CError "Wrong texture dimensions given." when a picture of this size cannot be stored.
+void CheckDimensions(std::uint32_t width, std::uint32_t height, std::optional<CacheIndex> forcedEncoder);
+/// Throws CError when a texture cannot be called so: "Name should not be empty." or "Wrong texture name
+/// given.".
+void CheckTextureName(std::wstring_view name);

@@ -1,0 +1,25 @@
+#pragma once
+
+// The check that every library passes before it is used, be it a codec plugin or an interface language: it
+// names its kind and the build that it was made for.
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "base/DynamicLibrary.h"
+#include "base/Prompt.h"
+
+/// Type bits of a library.
+inline constexpr std::uint32_t kLanguageLibrary = 16;
+inline constexpr std::uint32_t kPluginLibrary = 32;
+/// Libraries older than this, or newer than the program's own build number, are refused.
+inline constexpr std::uint32_t kOldestLibraryBuild = 396;
+
+/// Loads a library that says of itself that it is of the wanted type and of a build that fits. Otherwise
+/// nothing: in silence when it cannot be loaded or lacks the exports, with "%s is not supported by this
+/// build." when it does not fit. `shownPath` is the path as the message names it.
+std::optional<CDynamicLibrary> LoadCompatibleLibrary(const std::filesystem::path& file,
+                                                     const std::wstring& shownPath, std::uint32_t typeMask,
+                                                     IPrompt& prompt);

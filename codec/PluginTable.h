@@ -1,0 +1,50 @@
+#pragma once
+
+// The codec plugins that were found and the entry points that are bound to each cache. It owns the libraries;
+// bindings change only at start-up and by the plugin commands. plugins/plugin.h is the interface that a
+// library implements.
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "base/Prompt.h"
+#include "base/Settings.h"
+#include "codec/BuildNumber.h"
+#include "codec/CodecPlugin.h"
+#include "codec/LibraryCheck.h"
+#include "database/CacheIndex.h"
+#include "plugins/plugin.h"
+
+class CPluginTable {
+public:
+    static constexpr std::size_t kMostPlugins = 8;
+
+    /// Loads the libraries of `folder` in name order, the first eight that are accepted.
+    void Discover(const std::filesystem::path& folder, IPrompt& prompt);
+    /// Binds each cache to the plugin that its "plugin" setting names, else to the first that supports it,
+    /// and writes the name of the last one bound back.
+    void BindFromSettings(ISettings& settings);
+    /// Both entry points of the plugin, either of which may be missing.
+    void Bind(CacheIndex cache, std::size_t plugin);
+    void Unbind(CacheIndex cache);
+
+    const std::vector<CodecPlugin>& Plugins() const { return m_aPlugins; }
+    MavrelCompressFn Compress(CacheIndex cache) const { return m_aBound[SlotOf(cache)].compress; }
+    MavrelDecompressFn Decompress(CacheIndex cache) const { return m_aBound[SlotOf(cache)].decompress; }
+    /// The plugin whose entry points are bound, if it came from this table.
+    std::optional<std::size_t> BoundPlugin(CacheIndex cache) const { return m_aBound[SlotOf(cache)].plugin; }
+    /// For entry points that live in the program itself, as in tests and benchmarks.
+    void BindFunctions(CacheIndex cache, MavrelCompressFn compress, MavrelDecompressFn decompress);
+
+private:
+    struct Binding {
+        MavrelCompressFn compress = nullptr;
+        MavrelDecompressFn decompress = nullptr;
+        std::optional<std::size_t> plugin;
+    };
+
+    std::vector<CodecPlugin> m_aPlugins;
+    std::array<Binding, kCacheCount> m_aBound{};
+};

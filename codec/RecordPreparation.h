@@ -1,0 +1,71 @@
+#pragma once
+
+// The pure half of storing a picture: picture and settings in, records out. It touches no database, no file
+// and no settings, so that any thread may run it.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "codec/MipChain.h"
+#include "database/TextureDatabase.h"
+#include "image/Bitmap.h"
+#include "plugins/plugin.h"
+
+/// An encoder as one cache's settings have it.
+struct EncoderChoice {
+    MavrelCompressFn compress = nullptr;
+    std::uint32_t quality = 0;
+    bool hasDithering = false;
+};
+
+struct RecordPlan {
+    std::uint16_t nameHash16 = 0;
+    bool hasAlpha = false;
+    bool storeRgba8888 = false;
+    bool hasMips = false;
+    bool allowRunLength = false;
+    StreamMode mode = StreamMode::Raw;
+    /// Nothing: each cache's own encoder.
+    std::optional<CacheIndex> forcedEncoder = std::nullopt;
+    std::array<EncoderChoice, kCacheCount> encoders;
+    std::vector<CacheIndex> rasterCaches;
+    std::vector<CacheIndex> thumbnailCaches;
+    /// Pixels a side; 0: no thumbnails.
+    std::uint32_t thumbnailSide = 0;
+};
+
+/// Records with the bytes that they point to. Caches that store the same form share its bytes. Movable only.
+class CPreparedRecords {
+public:
+    CPreparedRecords() = default;
+    CPreparedRecords(const CPreparedRecords&) = delete;
+    CPreparedRecords& operator=(const CPreparedRecords&) = delete;
+    CPreparedRecords(CPreparedRecords&&) noexcept = default;
+    CPreparedRecords& operator=(CPreparedRecords&&) noexcept = default;
+    ~CPreparedRecords() = default;
+
+    /// In the order in which they are to be stored.
+    std::span<const PreparedRecord> Records() const { return m_aRecords; }
+
+    void Add(const PreparedRecord& record) { m_aRecords.push_back(record); }
+    /// Takes bytes over; the span stays valid as long as the object, also when it moves.
+    std::span<const std::byte> Keep(std::vector<std::byte> bytes);
+    std::span<const std::byte> Keep(std::unique_ptr<std::byte[]> bytes, std::size_t count);
+
+private:
+    std::vector<PreparedRecord> m_aRecords;
+    std::vector<std::vector<std::byte>> m_aVectors;
+    std::vector<std::unique_ptr<std::byte[]>> m_aBuffers;
+};
+
+/// True when one of the caches gets the encoder that stores squares.
+bool StoresSquares(const RecordPlan& plan);
+
+/// `fullPixels` is RgbaPixels of the picture. Throws CError "Cannot compress texture." when an encoder's
+/// output is not as long as its format says, std::bad_alloc when memory is short.
+CPreparedRecords PrepareRecords(const CBitmap& picture, std::span<const std::byte> fullPixels,
+                                const RecordPlan& plan);
