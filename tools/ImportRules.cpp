@@ -1,0 +1,119 @@
+#include "tools/ImportRules.h"
+
+#include <utility>
+
+#include "base/Text.h"
+
+namespace {
+
+constexpr std::wstring_view kGameQuestion =
+    L"Do you want to make this cache for San Andreas? \n\nIf you choose 'No' an Vice City cache will be "
+    L"created.";
+
+std::optional<CacheIndex> EncoderOfCategory(const CTextureDatabase& database, std::uint32_t category)
+{
+    const auto categories = database.Categories();
+    const std::int32_t format = category < categories.size() ? categories[category].defaultformat : 0;
+    // The two values that the games' own lists use; any other leaves the choice open.
+    if (format == 4)
+        return CacheIndex::Unc;
+    if (format == 7)
+        return CacheIndex::Dxt;
+    return std::nullopt;
+}
+
+std::optional<StreamMode> FirstReadableGame(CTextureDatabase& database, CacheIndex cache)
+{
+    for (std::uint32_t index = 0; index < database.EntryCount(); ++index) {
+        const TextureEntry& entry = database.Entry(index);
+        if (entry.IsAlias() || entry.datOffset[SlotOf(cache)] == kNone)
+            continue;
+        if (const StreamMode game = database.GameOf(index, cache); game != StreamMode::Auto)
+            return game;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<CacheIndex> EncoderByRules(const CTextureDatabase& database, const ISettings& settings,
+                                         std::uint32_t category, std::optional<CacheIndex> chosen)
+{
+    if (!settings.IsOn(L"global", L"enable_compression", true))
+        return CacheIndex::Unc;
+    if (chosen || !settings.IsOn(L"global", L"enable_rules", true))
+        return chosen;
+    const std::wstring key = ToLowerAscii(FromPath(database.ListPath().filename()));
+    const auto byList = CacheFromInfix(settings.ReadString(L"rules", key));
+    return byList ? byList : EncoderOfCategory(database, category);
+}
+
+std::optional<StreamMode> GameOfDatabase(CTextureDatabase& database)
+{
+    if (database.ForcedMode() != StreamMode::Auto)
+        return database.ForcedMode();
+    for (const CacheIndex cache : kAllCaches) {
+        if (!database.IsOpen(cache))
+            continue;
+        if (const auto game = FirstReadableGame(database, cache))
+            return game;
+    }
+    return std::nullopt;
+}
+
+std::optional<StreamMode> CGameChoice::For(CTextureDatabase& database)
+{
+    if (m_eAnswer)
+        return m_eAnswer;
+    if (const auto game = GameOfDatabase(database))
+        return game;
+    switch (m_rPrompt.Show({.text = std::wstring(kGameQuestion),
+                            .caption = L"Mavrel",
+                            .icon = PromptIcon::Question,
+                            .buttons = PromptButtons::YesNoCancel})) {
+        case PromptAnswer::Yes:
+            m_eAnswer = StreamMode::Framed;
+            break;
+        case PromptAnswer::No:
+            m_eAnswer = StreamMode::Raw;
+            break;
+        case PromptAnswer::Ok:
+        case PromptAnswer::Cancel:
+            break;
+    }
+    return m_eAnswer;
+}
+
+PreparedTexture PrepareByRules(CTextureDatabase& database, const CPluginTable& plugins,
+                               const ISettings& settings, const CBitmap& picture, const std::wstring& name,
+                               const ImportRequest& request, StreamMode game)
+{
+    ImportTarget target;
+    target.name = name;
+    target.hasAlpha = request.hasAlpha;
+    target.storeRgba8888 = request.storeRgba8888;
+    target.streamMode = game;
+    target.forcedEncoder = EncoderByRules(database, settings, request.category, request.format);
+    target.category = request.category;
+    target.replaced = request.replaced;
+    target.pngHash = request.pngHash;
+    return PrepareTexture(database, plugins, settings, picture, target);
+}
+
+StoreResult StoreByRules(CTextureDatabase& database, PreparedTexture prepared, const ImportRequest& request)
+{
+    const StoreResult result = StorePrepared(database, std::move(prepared));
+    if (result == StoreResult::MadeAlias && request.category != 0) {
+        database.ChangeProperty(database.EntryCount() - 1, Property::Cat, request.category);
+        database.Save();
+    }
+    return result;
+}
+
+StoreResult ImportByRules(CTextureDatabase& database, const CPluginTable& plugins, const ISettings& settings,
+                          const CBitmap& picture, const std::wstring& name, const ImportRequest& request,
+                          StreamMode game)
+{
+    return StoreByRules(database, PrepareByRules(database, plugins, settings, picture, name, request, game),
+                        request);
+}
