@@ -1,0 +1,115 @@
+// mavrel-bench [--pictures DIR] [--only PREFIX] [--check]
+//
+// Measures how fast the core is, each workload against a baseline of the same run, so that the ratios can be
+// compared between machines. Results are checked; a wrong one ends the run with exit code 1.
+//
+//   open                        opening a database of 20000 entries with four caches, tables of contents and
+//   thumbnails,
+//                               with all checks, against reading the same list, tables and thumbnails plainly
+//   open-memory                 resident memory with that database open, above an empty process
+//   headers                     every header of every cache, against one positioned 8-byte read each
+//   decode-FORMAT               one level of 512 x 512 pixels on one thread, against copying its 1 MiB of
+//   output.
+//                               DXT1 DXT1-A DXT3 DXT5 ETC1 PVRTC2 PVRTC4 through their decoders; RGBA8888
+//                               RGB888 RGBA4444 RGBA5551 RGB565 LUM16 LUM8 PAL8 PAL4 through RasterToBitmap
+//   encode-FORMAT-QUALITY       megapixels a second and PSNR on one thread. Formats with alpha take the
+//   pictures that
+//                               have alpha, PVRTC those whose sides are powers of two
+//
+//   --pictures DIR   PNG files to encode; without it, some of the demo's pictures
+//   --only PREFIX    only workloads whose names begin so, for example "decode" or "encode-ETC1"
+//   --check          exit code 1 when a limit is exceeded
+
+#include <array>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "bench/BigDatabase.h"
+#include "bench/CodecWorkloads.h"
+#include "bench/OpenWorkloads.h"
+
+namespace {
+
+struct Options {
+    std::optional<std::filesystem::path> pictures;
+    std::string only;
+    bool check = false;
+    /// Set for the process that MeasureMemory starts.
+    std::optional<std::filesystem::path> resident;
+};
+
+std::optional<Options> ParseOptions(int count, char** arguments)
+{
+    Options options;
+    for (int i = 1; i < count; ++i) {
+        const std::string word = arguments[i];
+        const bool hasValue = i + 1 < count;
+        if (word == "--check")
+            options.check = true;
+        else if (word == "--pictures" && hasValue)
+            options.pictures = arguments[++i];
+        else if (word == "--only" && hasValue)
+            options.only = arguments[++i];
+        else if (word == "--resident" && hasValue)
+            options.resident = arguments[++i];
+        else
+            return std::nullopt;
+    }
+    return options;
+}
+
+bool Concerns(const std::string& group, const std::string& only)
+{
+    const std::size_t common = std::min(group.size(), only.size());
+    return group.compare(0, common, only, 0, common) == 0;
+}
+
+void MeasureDatabase(const std::string& only, Bench::CReport& report)
+{
+    const Bench::CScratchFolder folder;
+    const std::filesystem::path list = Bench::WriteBigDatabase(folder.Path());
+    if (Concerns("open", only)) {
+        Bench::MeasureOpening(list, report);
+        Bench::MeasureMemory(std::filesystem::read_symlink("/proc/self/exe"), list, report);
+    }
+    if (Concerns("headers", only))
+        Bench::MeasureHeaders(list, report);
+}
+
+int Run(const Options& options)
+{
+    Bench::CReport report;
+    report.PrintHead();
+    if (Concerns("open", options.only) || Concerns("headers", options.only))
+        MeasureDatabase(options.only, report);
+    if (Concerns("decode-", options.only))
+        Bench::MeasureDecoding(options.only, report);
+    if (Concerns("encode-", options.only))
+        Bench::MeasureEncoding(
+            options.pictures ? Bench::LoadPictures(*options.pictures) : Bench::DemoPictures(), options.only,
+            report);
+    if (!report.AllCorrect())
+        return 1;
+    return options.check && !report.AllWithinLimits() ? 1 : 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments)
+{
+    const long emptyKib = Bench::ResidentKib();
+    const std::optional<Options> options = ParseOptions(count, arguments);
+    if (!options) {
+        std::fputs("usage: mavrel-bench [--pictures DIR] [--only PREFIX] [--check]\n", stderr);
+        return 2;
+    }
+    try {
+        return options->resident ? Bench::PrintResidentGrowth(*options->resident, emptyKib) : Run(*options);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "mavrel-bench: %s\n", error.what());
+        return 1;
+    }
+}
