@@ -1,0 +1,332 @@
+#include "app/DlgMain.h"
+
+#include <algorithm>
+#include <array>
+#include <windowsx.h>
+
+#include "app/SettingToggles.h"
+#include "app/Splash.h"
+#include "app/WindowPlacement.h"
+#include "app/resource.h"
+#include "base/Format.h"
+#include "base/Text.h"
+#include "tools/TextureFacts.h"
+#include "ui/Dpi.h"
+#include "ui/Theme.h"
+
+namespace {
+
+constexpr int kDefaultSplashTime = 700;
+constexpr int kDefaultBackgroundColor = 0x808080;
+
+// Lengths in 1/96 inch.
+constexpr SIZE kSmallestWindow = {640, 480};
+constexpr int kGap = 5;
+constexpr int kTreeGap = 2;  // above the status bar
+constexpr int kTabsLeft = 240;
+constexpr int kTabsTop = 30;
+constexpr int kTabsRightAndLeft = 245;  // what the tabs leave free of the width
+constexpr int kTabsTopAndBottom = 52;   // and of the height
+constexpr int kGameLabelWidth = 45;
+constexpr int kGameTop = 4;
+constexpr int kTextHeight = 14;
+constexpr int kGameDropHeight = 120;
+constexpr std::array kPaneWidths = {130, 150, 60, 100, 60, 60};
+
+RECT Place(LONG left, LONG top, LONG width, LONG height)
+{
+    return {left, top, left + std::max(width, 0L), top + std::max(height, 0L)};
+}
+
+}  // namespace
+
+CDlgMain::CDlgMain(const MainWindowParts& parts)
+    : CDialog(IDD_MAIN),
+      m_oParts(parts),
+      m_oPluginMenu(parts.plugins, parts.settings, parts.resources, parts.prompt)
+{
+    const int splashTime = parts.settings.ReadInt(L"global", L"show_loading_screen", kDefaultSplashTime);
+    if (splashTime > 0)
+        ShowSplash(parts.resources.Program(), splashTime);
+    BindMessages();
+    BindFileCommands();
+    BindViewCommands();
+    BindOptionCommands();
+}
+
+void CDlgMain::BindMessages()
+{
+    CMessageMap& messages = Messages();
+    messages.OnMessage(WM_SIZE, [this](WPARAM, LPARAM) {
+        Layout();
+        return 0;
+    });
+    messages.OnMessage(WM_GETMINMAXINFO, [this](WPARAM, LPARAM lParam) {
+        OnMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));  // NOLINT: the message carries a pointer
+        return 0;
+    });
+    messages.OnMessage(WM_DPICHANGED, [this](WPARAM, LPARAM lParam) {
+        OnDpiChanged(*reinterpret_cast<const RECT*>(lParam));  // NOLINT: as above
+        return 0;
+    });
+    messages.OnMessage(WM_CONTEXTMENU, [this](WPARAM wParam, LPARAM lParam) {
+        OnContextMenu(reinterpret_cast<HWND>(wParam),
+                      {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});  // NOLINT
+        return 0;
+    });
+    messages.OnMessage(WM_CLOSE, [this](WPARAM, LPARAM) {
+        Exit();
+        return 0;
+    });
+    messages.OnCommand(IDOK, [this] { OnReturnKey(); });
+    // Esc closes dialogs, and this is one; the main window stays.
+    messages.OnCommand(IDCANCEL, [] {});
+    messages.OnControl(IDC_GAME, CBN_SELCHANGE, [this] { SetGame(m_oGameList.Current()); });
+    messages.OnNotify(IDC_TREE, TVN_SELCHANGEDW, [this](NMHDR&) {
+        m_oTree.Control().HandleSelChanged();
+        return 0;
+    });
+    messages.OnNotify(IDC_TABS, static_cast<UINT>(TCN_SELCHANGE), [this](NMHDR&) {
+        OnTabChanged();
+        return 0;
+    });
+}
+
+void CDlgMain::BindFileCommands()
+{
+    CMessageMap& messages = Messages();
+    messages.OnCommand(ID_NEW, [this] { AskAndCreate(); });
+    messages.OnCommand(ID_OPEN, [this] { AskAndOpen(); });
+    messages.OnCommand(ID_CLOSE, [this] { CloseByCommand(); });
+    messages.OnCommand(ID_RELOAD, [this] { Reload(); });
+    messages.OnCommand(ID_EXIT, [this] { Exit(); });
+    messages.OnCommand(ID_FIND, [this] { Find(); });
+    messages.OnCommand(ID_FIND_NEXT, [this] { FindNext(); });
+    for (const UINT id : {ID_EXPORT_SELECTION, ID_EXPORT_SELECTION_CONTEXT})
+        messages.OnCommand(id, [this] { ExportSelection(); });
+    messages.OnCommand(ID_EXPORT_ALL, [this] { ExportAll(std::nullopt, String(IDS_EXPORT_ALL)); });
+    messages.OnCommand(ID_EXPORT_CATEGORY, [this] { ExportFocusedCategory(); });
+    messages.OnCommand(ID_FIX_NAME_HASHES, [this] { FixNameHashes(); });
+    messages.OnCommand(ID_STATISTICS, [this] { ShowStatistics(); });
+    messages.OnCommand(ID_ABOUT, [this] { m_oParts.dialogs.ShowAbout(); });
+}
+
+void CDlgMain::BindViewCommands()
+{
+    CMessageMap& messages = Messages();
+    messages.OnCommandRange(ID_RENDERER_STATIC, ID_RENDERER_GDIPLUS, [this](UINT id) { ChooseRenderer(id); });
+    messages.OnCommandRange(ID_BACKGROUND_NONE, ID_BACKGROUND_COLOR,
+                            [this](UINT id) { ChooseBackground(id); });
+    messages.OnCommand(ID_SET_BACKGROUND_COLOR, [this] { ChooseBackgroundColor(); });
+    messages.OnCommand(ID_STRETCH, [this] { ToggleStretch(); });
+    messages.OnCommand(ID_THUMBNAILS, [this] { ToggleThumbnails(); });
+    messages.OnCommand(ID_NEXT_TAB, [this] { StepTab(1); });
+    messages.OnCommand(ID_PREVIOUS_TAB, [this] { StepTab(-1); });
+    messages.OnCommand(ID_LANGUAGE_ENGLISH, [this] {
+        m_oParts.settings.Delete(L"global", L"lang");
+        Status(String(IDS_LANGUAGE_CHANGED));
+    });
+}
+
+void CDlgMain::BindOptionCommands()
+{
+    CMessageMap& messages = Messages();
+    messages.OnCommandRange(ID_GAME_AUTO, ID_GAME_SAN_ANDREAS,
+                            [this](UINT id) { SetGame(static_cast<int>(id - ID_GAME_AUTO)); });
+    for (const SettingToggle& toggle : SettingToggles())
+        messages.OnCommand(toggle.command,
+                           [this, &toggle] { FlipToggle(toggle, Menu(), m_oParts.settings); });
+    messages.OnCommandRange(ID_PLUGIN_NONE, ID_PLUGIN_LAST, [this](UINT id) {
+        if (m_oPluginMenu.Execute(id))
+            m_oPluginMenu.Rebuild(*Menu().PopupWith(ID_DISABLE_LOGO), m_nFixedOptions);
+    });
+}
+
+bool CDlgMain::Open()
+{
+    CPreview::Register(m_oParts.resources.Program(), CPreview::kClassName);
+    if (!Create(m_oParts.resources.Current(), nullptr))
+        return false;
+    ::ShowWindow(Handle(), SW_SHOWDEFAULT);
+    ::UpdateWindow(Handle());
+    return true;
+}
+
+bool CDlgMain::OnInit()
+{
+    CreateControls();
+    CreateMenu();
+    m_hIcon = m_oParts.resources.Icon(IDI_MAVREL, false);
+    m_hSmallIcon = m_oParts.resources.Icon(IDI_MAVREL, true);
+    Send(WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(m_hIcon.get()));  // NOLINT: as the message is defined
+    Send(WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hSmallIcon.get()));  // NOLINT: as above
+    m_hAccelerators = m_oParts.resources.Accelerators(IDR_ACCELERATORS);
+
+    // Deliberate: every run starts with GDI+, whatever was chosen in the last one.
+    m_oParts.settings.WriteInt(L"render", L"type", ID_RENDERER_GDIPLUS - ID_RENDERER_STATIC);
+    ApplyPreviewSettings();
+    RestoreWindowPlace(*this, m_oParts.settings);
+    Close();
+    Status(String(IDS_READY));
+    Layout();
+    m_oTree.Control().Focus();
+    return false;
+}
+
+void CDlgMain::CreateMenu()
+{
+    m_hMenu = m_oParts.resources.Menu(IDR_MAIN_MENU);
+    const CMenu options = *Menu().PopupWith(ID_DISABLE_LOGO);
+    m_nFixedOptions = options.Count();
+    m_oPluginMenu.Rebuild(options, m_nFixedOptions);
+    ShowToggles(Menu(), m_oParts.settings);
+    Menu().CheckRadio(ID_LANGUAGE_ENGLISH, ID_LANGUAGE_LAST, ID_LANGUAGE_ENGLISH);
+    ShowGame(m_oParts.settings.ReadInt(L"global", L"game", 0));
+    ::SetMenu(Handle(), m_hMenu.get());
+}
+
+void CDlgMain::CreateControls()
+{
+    m_oGameList.Attach(Child(IDC_GAME).Handle());
+    for (const StreamMode game : {StreamMode::Auto, StreamMode::Raw, StreamMode::Framed})
+        m_oGameList.Append(std::wstring(GameName(game)));
+
+    CTreeCtrlEx& tree = m_oTree.Control();
+    tree.TakeOver(Child(IDC_TREE).Handle());
+    tree.OnSelectionChanged([this] { OnSelectionChanged(); });
+    if (m_oParts.settings.IsOn(L"global", L"show_pluses", false)) {
+        const LONG_PTR style = ::GetWindowLongPtrW(tree.Handle(), GWL_STYLE);
+        ::SetWindowLongPtrW(tree.Handle(), GWL_STYLE,
+                            style | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT);
+    }
+    UseExplorerTheme(tree);
+
+    m_oTabs.Attach(Child(IDC_TABS).Handle());
+    for (const CacheIndex cache : kAllCaches)
+        m_oTabs.Append(ToUpperAscii(CacheInfix(cache)) + L"       ");
+    m_oPreview.TakeOver(Child(IDC_PREVIEW).Handle());
+    ::SetWindowPos(m_oPreview.Handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+
+    m_oStatus.Create(Handle(), IDC_STATUS);
+    m_oProgress.Create(m_oStatus, IDC_PROGRESS);
+}
+
+void CDlgMain::ApplyPreviewSettings()
+{
+    PreviewOptions options = m_oPreview.Options();
+    options.color = static_cast<COLORREF>(
+                        m_oParts.settings.ReadInt(L"render", L"background_color", kDefaultBackgroundColor)) &
+                    0xFFFFFF;
+    m_oPreview.SetOptions(options);
+    const int last = static_cast<int>(BackgroundMode::SingleColor);
+    const int mode = std::clamp(m_oParts.settings.ReadInt(L"render", L"background", last), 0, last);
+    m_oPreview.SetBackground(static_cast<BackgroundMode>(mode));
+    Menu().CheckRadio(ID_BACKGROUND_NONE, ID_BACKGROUND_COLOR, ID_BACKGROUND_NONE + static_cast<UINT>(mode));
+}
+
+void CDlgMain::Layout()
+{
+    if (m_oStatus.Handle() == nullptr)
+        return;
+    const CScale scale(DpiOf(Handle()));
+    m_oStatus.Follow();
+    std::array<int, kPaneWidths.size()> panes{};
+    std::transform(kPaneWidths.begin(), kPaneWidths.end(), panes.begin(), scale);
+    m_oStatus.SetPanes(panes);
+    m_oProgress.Follow();
+
+    const RECT client = ClientRect();
+    const LONG gap = scale(kGap);
+    const LONG columnRight = scale(kTabsLeft) - gap;
+    const LONG labelRight = gap + scale(kGameLabelWidth);
+    const RECT list = m_oGameList.WindowRect();
+    const LONG listHeight = list.bottom - list.top;
+    const LONG labelHeight = std::min<LONG>(listHeight, scale(kTextHeight));
+    const LONG listTop = scale(kGameTop);
+    Child(IDC_GAME_LABEL)
+        .Move(Place(gap, listTop + (listHeight - labelHeight) / 2, labelRight - gap, labelHeight));
+    m_oGameList.Move(Place(labelRight, listTop, columnRight - labelRight, scale(kGameDropHeight)));
+
+    const RECT bar = m_oStatus.ClientRect();
+    const LONG treeTop = std::max<LONG>(scale(kTabsTop), listTop + listHeight + gap);
+    m_oTree.Control().Move(
+        Place(gap, treeTop, columnRight - gap, client.bottom - bar.bottom - scale(kTreeGap) - treeTop));
+
+    const RECT tabs = Place(scale(kTabsLeft), scale(kTabsTop), client.right - scale(kTabsRightAndLeft),
+                            client.bottom - scale(kTabsTopAndBottom));
+    m_oTabs.Move(tabs);
+    m_oPreview.Move(m_oTabs.DisplayArea(tabs));
+}
+
+void CDlgMain::OnMinMaxInfo(MINMAXINFO& info) const
+{
+    const CScale scale(DpiOf(Handle()));
+    info.ptMinTrackSize = {scale(kSmallestWindow.cx), scale(kSmallestWindow.cy)};
+}
+
+void CDlgMain::OnDpiChanged(const RECT& place)
+{
+    Move(place);
+    Layout();
+}
+
+bool CDlgMain::PreTranslate(MSG& message)
+{
+    // While a label is edited its keys are text: Enter and Esc end the editing, Del deletes a character.
+    if (message.hwnd != nullptr && message.hwnd == m_oTree.Control().LabelEditor()) {
+        ::TranslateMessage(&message);
+        ::DispatchMessageW(&message);
+        return true;
+    }
+    const bool isOurs = message.hwnd == Handle() || ::IsChild(Handle(), message.hwnd) != FALSE;
+    return isOurs && ::TranslateAcceleratorW(Handle(), m_hAccelerators.get(), &message) != 0;
+}
+
+void CDlgMain::OnException()
+{
+    m_oProgress.Hide();
+    try {
+        throw;
+    } catch (const CError& error) {
+        if (!error.WasShown())
+            m_oParts.prompt.ShowError(error.Text());
+    } catch (const std::exception& error) {
+        m_oParts.prompt.ShowError(FromUtf8(error.what()));
+    }
+}
+
+void CDlgMain::OnContextMenu(HWND from, POINT place)
+{
+    const CTreeCtrlEx& tree = m_oTree.Control();
+    if (from != tree.Handle() || tree.Caret() == nullptr)
+        return;
+    if (place.x == -1 && place.y == -1) {
+        // Asked for with the keyboard: below the focused item.
+        const RECT item = tree.ItemRect(tree.Caret());
+        place = {item.left, item.bottom};
+        ::ClientToScreen(tree.Handle(), &place);
+    }
+    const TreeSelection selection = m_oTree.Selection();
+    int menu = IDR_SEVERAL_TEXTURES_MENU;
+    if (selection.items <= 1) {
+        // The group of textures without a category is no category.
+        if (!selection.focused && !selection.category)
+            return;
+        menu = selection.focused ? IDR_ONE_TEXTURE_MENU : IDR_CATEGORY_MENU;
+    }
+    const CMenuHandle loaded = m_oParts.resources.Menu(menu);
+    CMenu(loaded.get()).Popup(0).Track(Handle(), place);
+}
+
+void CDlgMain::OnReturnKey()
+{
+    const CTreeCtrlEx& tree = m_oTree.Control();
+    if (::GetFocus() == tree.Handle() && tree.Caret() != nullptr)
+        tree.Expand(tree.Caret(), TVE_TOGGLE);
+}
+
+void CDlgMain::Exit()
+{
+    SaveWindowPlace(*this, m_oParts.settings);
+    End(0);
+}

@@ -1,0 +1,204 @@
+#include <array>
+
+#include "app/DlgMain.h"
+#include "app/resource.h"
+#include "base/Format.h"
+#include "base/Text.h"
+#include "codec/BuildNumber.h"
+#include "image/ImageTexts.h"
+#include "tools/NewDatabase.h"
+#include "tools/OpenDatabase.h"
+
+namespace {
+
+// Commands that work only while a database is open. What the program does not do yet stays disabled for good.
+constexpr std::array<UINT, 3> kLoadedCommands = {ID_CLOSE, ID_FIND, ID_EXPORT_ALL};
+
+constexpr wchar_t kListExtension[] = L"txt";
+
+StreamMode ForcedModeOf(int game)
+{
+    switch (game) {
+        case 1:
+            return StreamMode::Raw;
+        case 2:
+            return StreamMode::Framed;
+        default:
+            return StreamMode::Auto;
+    }
+}
+
+}  // namespace
+
+bool CDlgMain::HasDatabaseOrSaysSo()
+{
+    if (!m_pDatabase)
+        m_oParts.prompt.ShowError(String(IDS_LOAD_CACHE_FIRST));
+    return m_pDatabase != nullptr;
+}
+
+void CDlgMain::EnableLoadedCommands(bool loaded)
+{
+    for (const UINT command : kLoadedCommands)
+        Enable(command, loaded);
+    m_oGameList.Enable(loaded);
+}
+
+void CDlgMain::Close()
+{
+    m_oTree.Clear();
+    m_oPreview.ShowBitmap(std::nullopt);
+    m_pDatabase.reset();
+    ClearFacts();
+    EnableLoadedCommands(false);
+    Enable(ID_FIND_NEXT, false);
+    // Deliberate: the tree always shows categories; the item says so from now on and cannot be chosen.
+    Enable(ID_SHOW_CATEGORIES, false);
+    Menu().Check(ID_SHOW_CATEGORIES, true);
+    ApplyRenderer();
+    SetText(Format(String(IDS_TITLE_EMPTY), BuildNumber()));
+}
+
+void CDlgMain::CloseByCommand()
+{
+    Close();
+    Status(String(IDS_CACHE_UNLOADED));
+}
+
+void CDlgMain::AskAndOpen()
+{
+    const auto file =
+        m_oParts.dialogs.OpenFile({.filter = String(IDS_LIST_FILTER),
+                                   .defaultExtension = kListExtension,
+                                   .folder = m_oParts.settings.ReadString(L"paths", L"last_open")});
+    if (!file)
+        return;
+    m_oParts.settings.WriteString(L"paths", L"last_open", GetFolder(file->native()));
+    Close();
+    OpenByPath(*file);
+    SelectFirstTexture();
+}
+
+void CDlgMain::OpenFromCommandLine(const std::filesystem::path& list)
+{
+    try {
+        OpenByPath(list);
+        SelectFirstTexture();
+    } catch (...) {
+        OnException();
+    }
+}
+
+void CDlgMain::OpenByPath(const std::filesystem::path& chosen)
+{
+    m_oTree.Clear();
+    m_pDatabase.reset();
+    const auto started = std::chrono::steady_clock::now();
+    const std::filesystem::path list = ListPathOf(chosen);
+    SetText(Format(String(IDS_TITLE_CACHE), list.filename().native()));
+
+    const StreamMode forced = ForcedModeOf(m_oParts.settings.ReadInt(L"global", L"game", 0));
+    auto database = std::make_unique<CTextureDatabase>(forced, m_oParts.files, m_oParts.prompt);
+    CDatabaseOpener opener(m_oParts.settings, m_oParts.prompt, m_oProgress);
+    const OpenResult result = opener.Open(*database, list);
+    if (result != OpenResult::Opened && result != OpenResult::Recovered) {
+        database.reset();
+        CloseByCommand();
+        return;
+    }
+    m_pDatabase = std::move(database);
+    ShowOpened(started);
+    if (result == OpenResult::Opened)
+        opener.OfferFileRepairs(*m_pDatabase, [this] { Status(String(IDS_DONE)); });
+    FillTree();
+    if (result == OpenResult::Opened)
+        opener.OfferNameHashRepair(*m_pDatabase);
+    m_oProgress.Hide();
+}
+
+void CDlgMain::ShowOpened(std::chrono::steady_clock::time_point since)
+{
+    EnableLoadedCommands(true);
+    SelectTab(m_pDatabase->PrimaryCache().value_or(CacheIndex::Dxt));
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - since;
+    Status(Format(String(IDS_CACHE_LOADED), elapsed.count()));
+}
+
+void CDlgMain::AskAndCreate()
+{
+    // No question about an existing list here: creating asks once about all files of that name.
+    const auto file = m_oParts.dialogs.SaveFile(
+        {.filter = String(IDS_LIST_FILTER), .defaultExtension = kListExtension, .asksToReplace = false});
+    if (!file)
+        return;
+    Close();
+    SetText(Format(String(IDS_TITLE_CACHE), file->filename().native()));
+    const StreamMode forced = ForcedModeOf(m_oParts.settings.ReadInt(L"global", L"game", 0));
+    auto database = std::make_unique<CTextureDatabase>(forced, m_oParts.files, m_oParts.prompt);
+    if (CreateDatabase(*database, *file, kAllCaches, m_oParts.prompt) != CreateResult::Created) {
+        database.reset();
+        CloseByCommand();
+        return;
+    }
+    m_pDatabase = std::move(database);
+    EnableLoadedCommands(true);
+    SelectTab(m_pDatabase->PrimaryCache().value_or(CacheIndex::Dxt));
+    FillTree();
+    Status(String(IDS_CACHE_CREATED));
+}
+
+void CDlgMain::Reload()
+{
+    if (!HasDatabaseOrSaysSo())
+        return;
+    const auto focused = m_oTree.Selection().focused;
+    m_oTree.Clear();
+    m_pDatabase->Reload();
+    FillTree();
+    if (focused && *focused < m_pDatabase->EntryCount())
+        m_oTree.SelectTexture(*focused);
+}
+
+void CDlgMain::FillTree()
+{
+    m_oTree.Fill(*m_pDatabase, String(IDS_UNKNOWN_CATEGORY));
+    m_oPreview.ShowBitmap(std::nullopt);
+    ClearFacts();
+}
+
+void CDlgMain::SelectFirstTexture()
+{
+    if (m_pDatabase && m_pDatabase->EntryCount() > 0)
+        m_oTree.SelectTexture(0);
+}
+
+void CDlgMain::FixNameHashes()
+{
+    if (!HasDatabaseOrSaysSo())
+        return;
+    if (m_oParts.prompt.Show({.text = String(IDS_FIX_HASHES_QUESTION),
+                              .caption = String(IDS_PROGRAM),
+                              .icon = PromptIcon::Question,
+                              .buttons = PromptButtons::YesNo}) != PromptAnswer::Yes)
+        return;
+    m_pDatabase->FixNameHashes(m_oProgress);
+    m_oProgress.Hide();
+    Status(String(IDS_DONE));
+}
+
+void CDlgMain::ShowGame(int game)
+{
+    const int shown = static_cast<int>(ForcedModeOf(game));
+    Menu().CheckRadio(ID_GAME_AUTO, ID_GAME_SAN_ANDREAS, ID_GAME_AUTO + static_cast<UINT>(shown));
+    m_oGameList.SetCurrent(shown);
+}
+
+void CDlgMain::SetGame(int game)
+{
+    if (m_pDatabase) {
+        m_pDatabase->SetForcedMode(ForcedModeOf(game));
+        DrawSelected();
+    }
+    m_oParts.settings.WriteInt(L"global", L"game", game);
+    ShowGame(game);
+}

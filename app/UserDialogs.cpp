@@ -1,0 +1,45 @@
+#include "app/UserDialogs.h"
+
+#include "app/DlgAbout.h"
+
+std::optional<std::wstring> CUserDialogs::AskValue(const ValueRequest& request)
+{
+    CDlgValue dialog(request);
+    if (dialog.DoModal(m_rResources.Current(), m_oOwner.Handle()) != IDOK)
+        return std::nullopt;
+    return dialog.Value();
+}
+
+std::optional<std::filesystem::path> CUserDialogs::OpenFile(const FileRequest& request)
+{
+    return AskFileToOpen(m_oOwner.Handle(), request);
+}
+
+std::vector<std::filesystem::path> CUserDialogs::OpenFiles(const FileRequest& request)
+{
+    return AskFilesToOpen(m_oOwner.Handle(), request);
+}
+
+std::optional<std::filesystem::path> CUserDialogs::SaveFile(const FileRequest& request)
+{
+    return AskFileToSave(m_oOwner.Handle(), request);
+}
+
+std::optional<std::wstring> CUserDialogs::BrowseFolder(const std::wstring& title, const std::wstring& initial)
+{
+    std::wstring folder = initial;
+    if (BrowseForFolder(m_oOwner.Handle(), title, folder) != 1)
+        return std::nullopt;
+    return folder;
+}
+
+std::optional<COLORREF> CUserDialogs::PickColor(COLORREF proposed)
+{
+    return AskColor(m_oOwner.Handle(), proposed);
+}
+
+void CUserDialogs::ShowAbout()
+{
+    CDlgAbout dialog(m_rResources);
+    dialog.DoModal(m_rResources.Current(), m_oOwner.Handle());
+}

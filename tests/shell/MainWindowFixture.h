@@ -1,0 +1,69 @@
+#pragma once
+
+// A main window over a folder of its own, with scripted answers. Tests send it the commands that menus send
+// and read its controls as any other program could.
+
+#include <deque>
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "app/DlgMain.h"
+#include "app/resource.h"
+#include "tests/support/DatabaseBuilder.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/support/TemporaryFolder.h"
+
+/// Answers the dialogs that are more than a message box; without an answer a dialog is cancelled.
+class CScriptedDialogs final : public IUserDialogs {
+public:
+    std::optional<std::wstring> AskValue(const ValueRequest& request) override;
+    std::optional<std::filesystem::path> OpenFile(const FileRequest& request) override;
+    std::vector<std::filesystem::path> OpenFiles(const FileRequest& request) override;
+    std::optional<std::filesystem::path> SaveFile(const FileRequest& request) override;
+    std::optional<std::wstring> BrowseFolder(const std::wstring& title, const std::wstring& initial) override;
+    std::optional<COLORREF> PickColor(COLORREF proposed) override;
+    void ShowAbout() override {}
+
+    std::optional<std::wstring> value;
+    std::optional<std::filesystem::path> file;
+    std::optional<std::wstring> folder;
+    std::optional<COLORREF> color;
+    std::vector<ValueRequest> values;
+    std::vector<FileRequest> files;
+    std::vector<std::wstring> folderTitles;
+};
+
+class CMainWindowTest : public testing::Test {
+protected:
+    CMainWindowTest();
+    ~CMainWindowTest() override;
+
+    /// Creates the window; settings that a test wants to find are written before.
+    void Start(std::deque<PromptAnswer> answers = {});
+    /// Writes "textures.txt" and opens it as the command line does.
+    void OpenDatabase(const CDatabaseBuilder& builder);
+    /// Two categories, four textures and an alias, rasters in the DXT and UNC caches, thumbnails in the UNC
+    /// one.
+    static CDatabaseBuilder SmallDatabase();
+
+    void Command(UINT id) const { m_pWindow->Send(WM_COMMAND, id); }
+    CMenu Menu() const { return CMenu(::GetMenu(m_pWindow->Handle())); }
+    std::wstring Pane(int pane) const;
+    CTreeView Tree() const;
+    CTabControl Tabs() const;
+    /// Clicks a tab as the mouse does.
+    void ClickTab(int tab) const;
+    HTREEITEM ItemOf(const std::wstring& text) const;
+    void Select(const std::wstring& text) const { Tree().Select(ItemOf(text)); }
+    /// The top items, each followed by its children, indented.
+    std::vector<std::wstring> TreeLines() const;
+    CScriptedPrompt& Prompt() { return *m_pPrompt; }
+
+    CTemporaryFolder m_oFolder;
+    std::unique_ptr<ISettings> m_pSettings;
+    CResources m_oResources;
+    CPluginTable m_oPlugins;
+    CScriptedDialogs m_oDialogs;
+    std::unique_ptr<CScriptedPrompt> m_pPrompt;
+    std::unique_ptr<CDlgMain> m_pWindow;
+};

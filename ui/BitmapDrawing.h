@@ -1,0 +1,28 @@
+#pragma once
+
+// Draws a bitmap with its alpha through GDI+, or plainly without it through GDI. Points are whole pixels of
+// the target.
+
+#include "base/Windows.h"
+
+#include "image/Bitmap.h"
+
+/// Keeps GDI+ running as long as it lives.
+class CGdiPlusSession {
+public:
+    CGdiPlusSession();
+    ~CGdiPlusSession();
+    CGdiPlusSession(const CGdiPlusSession&) = delete;
+    CGdiPlusSession& operator=(const CGdiPlusSession&) = delete;
+
+private:
+    ULONG_PTR m_nToken = 0;
+};
+
+/// Blends the bitmap, stretched to `place`, over what is there. Enlarged pixels stay sharp squares. Only what
+/// meets `clip` is worked on, so a picture many times larger than the target costs no more than a small one.
+void BlendBitmap(HDC target, const CBitmap& bitmap, const RECT& place, const RECT& clip);
+/// Copies the colours and ignores the alpha.
+void CopyBitmap(HDC target, const CBitmap& bitmap, const RECT& place);
+/// Squares of two greys, `side` pixels each, in `area`; the pattern begins at `origin`.
+void DrawCheckerboard(HDC target, const RECT& area, POINT origin, int side);

@@ -1,0 +1,88 @@
+#include "ui/Dialog.h"
+
+CDialog::~CDialog()
+{
+    if (!Exists())
+        return;
+    // What the derived class bound is gone already.
+    ::SetWindowLongPtrW(Handle(), DWLP_USER, 0);
+    ::DestroyWindow(Handle());
+}
+
+INT_PTR CDialog::DoModal(HINSTANCE module, HWND owner)
+{
+    m_bModal = true;
+    return ::DialogBoxParamW(module, MAKEINTRESOURCEW(m_nTemplate), owner, Procedure,
+                             reinterpret_cast<LPARAM>(this));  // NOLINT: how the parameter is passed
+}
+
+bool CDialog::Create(HINSTANCE module, HWND owner)
+{
+    m_bModal = false;
+    m_bEnded = false;
+    return ::CreateDialogParamW(module, MAKEINTRESOURCEW(m_nTemplate), owner, Procedure,
+                                reinterpret_cast<LPARAM>(this)) != nullptr;  // NOLINT: as above
+}
+
+bool CDialog::IsForDialog(MSG& message)
+{
+    return PreTranslate(message) || (Exists() && ::IsDialogMessageW(Handle(), &message) != FALSE);
+}
+
+INT_PTR CDialog::RunLoop()
+{
+    MSG message{};
+    while (!m_bEnded && ::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (IsForDialog(message))
+            continue;
+        ::TranslateMessage(&message);
+        ::DispatchMessageW(&message);
+    }
+    return m_nResult;
+}
+
+void CDialog::End(INT_PTR result)
+{
+    m_nResult = result;
+    m_bEnded = true;
+    if (m_bModal)
+        ::EndDialog(Handle(), result);
+    else if (Exists())
+        ::DestroyWindow(Handle());
+}
+
+INT_PTR CDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    try {
+        if (message == WM_INITDIALOG)
+            return OnInit() ? TRUE : FALSE;
+        const auto result = m_oMessages.Dispatch(message, wParam, lParam);
+        if (!result)
+            return FALSE;
+        if (Exists())
+            ::SetWindowLongPtrW(Handle(), DWLP_MSGRESULT, *result);
+        return TRUE;
+    } catch (...) {
+        // Nothing may be thrown through Windows; the dialog knows what its exceptions mean.
+        OnException();
+        return TRUE;
+    }
+}
+
+INT_PTR CALLBACK CDialog::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG) {
+        auto* created = reinterpret_cast<CDialog*>(lParam);  // NOLINT: passed by Create and DoModal
+        created->Attach(window);
+        ::SetWindowLongPtrW(window, DWLP_USER, lParam);
+    }
+    auto* self = reinterpret_cast<CDialog*>(::GetWindowLongPtrW(window, DWLP_USER));  // NOLINT: stored above
+    if (self == nullptr)
+        return FALSE;
+    if (message == WM_NCDESTROY) {
+        ::SetWindowLongPtrW(window, DWLP_USER, 0);
+        self->Attach(nullptr);
+        return FALSE;
+    }
+    return self->HandleMessage(message, wParam, lParam);
+}
