@@ -376,6 +376,7 @@ TEST_F(OpenDatabase, SkipsAliasesAndEntriesWithoutRecordsWhenItChecksHashes)
     }
     Open();
     EXPECT_FALSE(AreNameHashesWrong(*m_pDatabase, 0));
+    m_pDatabase.reset();
     Patch("dxt.dat", 24, "\x01\x02");
     Open();
     EXPECT_FALSE(AreNameHashesWrong(*m_pDatabase, 0)) << "the entry without records was the one";
