@@ -31,6 +31,7 @@ constexpr int kGameLabelWidth = 45;
 constexpr int kGameTop = 4;
 constexpr int kTextHeight = 14;
 constexpr int kGameDropHeight = 120;
+constexpr int kTreePictureSide = 16;
 constexpr std::array kPaneWidths = {130, 150, 60, 100, 60, 60};
 
 RECT Place(LONG left, LONG top, LONG width, LONG height)
@@ -84,6 +85,10 @@ void CDlgMain::BindMessages()
     messages.OnControl(IDC_GAME, CBN_SELCHANGE, [this] { SetGame(m_oGameList.Current()); });
     messages.OnNotify(IDC_TREE, TVN_SELCHANGEDW, [this](NMHDR&) {
         m_oTree.Control().HandleSelChanged();
+        return 0;
+    });
+    messages.OnNotify(IDC_TREE, TVN_GETDISPINFOW, [this](NMHDR& header) {
+        OnTreeDrawsItem(reinterpret_cast<NMTVDISPINFOW&>(header).item);  // NOLINT: what the code carries
         return 0;
     });
     messages.OnNotify(IDC_TABS, static_cast<UINT>(TCN_SELCHANGE), [this](NMHDR&) {
@@ -193,13 +198,16 @@ void CDlgMain::CreateControls()
 
     CTreeCtrlEx& tree = m_oTree.Control();
     tree.TakeOver(Child(IDC_TREE).Handle());
-    tree.OnSelectionChanged([this] { OnSelectionChanged(); });
+    // The tree calls from inside its window procedure, which nothing may be thrown through.
+    tree.OnSelectionChanged([this] { Attempt([this] { OnSelectionChanged(); }); });
     if (m_oParts.settings.IsOn(L"global", L"show_pluses", false)) {
         const LONG_PTR style = ::GetWindowLongPtrW(tree.Handle(), GWL_STYLE);
         ::SetWindowLongPtrW(tree.Handle(), GWL_STYLE,
                             style | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT);
     }
     UseExplorerTheme(tree);
+    if (m_oParts.settings.IsOn(L"global", L"show_thumbs", false))
+        m_oTreePictures.Attach(tree, CScale(DpiOf(Handle()))(kTreePictureSide));
 
     m_oTabs.Attach(Child(IDC_TABS).Handle());
     for (const CacheIndex cache : kAllCaches)
@@ -258,6 +266,15 @@ void CDlgMain::Layout()
     m_oPreview.Move(m_oTabs.DisplayArea(tabs));
 }
 
+void CDlgMain::OnTreeDrawsItem(TVITEMW& item)
+{
+    if (!m_pDatabase || item.lParam == CTreeCtrlEx::kSingleItem)
+        return;
+    item.iImage =
+        m_oTreePictures.PictureOf(static_cast<std::uint32_t>(item.lParam), *m_pDatabase, m_oParts.plugins);
+    item.iSelectedImage = item.iImage;
+}
+
 void CDlgMain::OnMinMaxInfo(MINMAXINFO& info) const
 {
     const CScale scale(DpiOf(Handle()));
@@ -266,6 +283,10 @@ void CDlgMain::OnMinMaxInfo(MINMAXINFO& info) const
 
 void CDlgMain::OnDpiChanged(const RECT& place)
 {
+    CFontHandle font = MessageFont(DpiOf(Handle()));
+    for (const int id : {IDC_GAME_LABEL, IDC_GAME, IDC_TREE, IDC_TABS, IDC_STATUS})
+        Child(id).Send(WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);  // NOLINT: the message's form
+    m_hFont = std::move(font);
     Move(place);
     Layout();
 }
@@ -280,6 +301,22 @@ bool CDlgMain::PreTranslate(MSG& message)
     }
     const bool isOurs = message.hwnd == Handle() || ::IsChild(Handle(), message.hwnd) != FALSE;
     return isOurs && ::TranslateAcceleratorW(Handle(), m_hAccelerators.get(), &message) != 0;
+}
+
+void CDlgMain::Attempt(const std::function<void()>& step)
+{
+    try {
+        step();
+    } catch (...) {
+        OnException();
+    }
+}
+
+bool CDlgMain::AcceptsCommands() const
+{
+    // A disabled window has a box above it, and a running bar means work that uses the database. Only another
+    // program can send a command then; it must not pull the database away.
+    return IsEnabled() && !m_oProgress.IsRunning();
 }
 
 void CDlgMain::OnException()

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@
 #include "app/ProgressPane.h"
 #include "app/Resources.h"
 #include "app/TextureTree.h"
+#include "app/TreePictures.h"
 #include "app/UserDialogs.h"
 #include "base/File.h"
 #include "base/Prompt.h"
@@ -50,6 +52,7 @@ private:
     bool OnInit() override;
     bool PreTranslate(MSG& message) override;
     void OnException() override;
+    bool AcceptsCommands() const override;
 
     // DlgMain.cpp: the window itself.
     void BindMessages();
@@ -62,12 +65,15 @@ private:
     void Layout();
     void OnMinMaxInfo(MINMAXINFO& info) const;
     void OnDpiChanged(const RECT& place);
+    void OnTreeDrawsItem(TVITEMW& item);
     void OnContextMenu(HWND from, POINT place);
     void OnReturnKey();
     void Exit();
     void Enable(UINT command, bool enabled) const { Menu().Enable(command, enabled); }
     CMenu Menu() const { return CMenu(m_hMenu.get()); }
     std::wstring String(UINT id) const { return m_oParts.resources.Text(id); }
+    /// Runs a step of a longer operation; what it throws is reported, and the operation goes on.
+    void Attempt(const std::function<void()>& step);
     void Status(const std::wstring& text) const { m_oStatus.SetPane(0, text); }
 
     // DlgMainCache.cpp: opening, creating and closing.
@@ -121,10 +127,12 @@ private:
     CAcceleratorHandle m_hAccelerators;
     CIconHandle m_hIcon;
     CIconHandle m_hSmallIcon;
+    CFontHandle m_hFont;      // once the window has moved to a screen of another resolution
     int m_nFixedOptions = 0;  // items of the options menu that do not come from plugins
 
     CComboBox m_oGameList;
     CTextureTree m_oTree;
+    CTreePictures m_oTreePictures;
     CTabControl m_oTabs;
     CPreview m_oPreview;
     CStatusBar m_oStatus;

@@ -81,12 +81,10 @@ void CDlgMain::AskAndOpen()
 
 void CDlgMain::OpenFromCommandLine(const std::filesystem::path& list)
 {
-    try {
+    Attempt([&] {
         OpenByPath(list);
         SelectFirstTexture();
-    } catch (...) {
-        OnException();
-    }
+    });
 }
 
 void CDlgMain::OpenByPath(const std::filesystem::path& chosen)
@@ -98,21 +96,20 @@ void CDlgMain::OpenByPath(const std::filesystem::path& chosen)
     SetText(Format(String(IDS_TITLE_CACHE), list.filename().native()));
 
     const StreamMode forced = ForcedModeOf(m_oParts.settings.ReadInt(L"global", L"game", 0));
-    auto database = std::make_unique<CTextureDatabase>(forced, m_oParts.files, m_oParts.prompt);
+    m_pDatabase = std::make_unique<CTextureDatabase>(forced, m_oParts.files, m_oParts.prompt);
     CDatabaseOpener opener(m_oParts.settings, m_oParts.prompt, m_oProgress);
-    const OpenResult result = opener.Open(*database, list);
+    OpenResult result = OpenResult::NoCaches;
+    Attempt([&] { result = opener.Open(*m_pDatabase, list, [&] { ShowOpened(started); }); });
     if (result != OpenResult::Opened && result != OpenResult::Recovered) {
-        database.reset();
         CloseByCommand();
         return;
     }
-    m_pDatabase = std::move(database);
-    ShowOpened(started);
+    // A repair that fails is reported, and the database stays open as it was found.
     if (result == OpenResult::Opened)
-        opener.OfferFileRepairs(*m_pDatabase, [this] { Status(String(IDS_DONE)); });
+        Attempt([&] { opener.OfferFileRepairs(*m_pDatabase, [this] { Status(String(IDS_DONE)); }); });
     FillTree();
     if (result == OpenResult::Opened)
-        opener.OfferNameHashRepair(*m_pDatabase);
+        Attempt([&] { opener.OfferNameHashRepair(*m_pDatabase); });
     m_oProgress.Hide();
 }
 
@@ -152,8 +149,8 @@ void CDlgMain::Reload()
     if (!HasDatabaseOrSaysSo())
         return;
     const auto focused = m_oTree.Selection().focused;
-    m_oTree.Clear();
-    m_pDatabase->Reload();
+    // A list that cannot be opened leaves everything as it was, and the tree shows what there is in any case.
+    Attempt([this] { m_pDatabase->Reload(); });
     FillTree();
     if (focused && *focused < m_pDatabase->EntryCount())
         m_oTree.SelectTexture(*focused);
@@ -161,7 +158,8 @@ void CDlgMain::Reload()
 
 void CDlgMain::FillTree()
 {
-    m_oTree.Fill(*m_pDatabase, String(IDS_UNKNOWN_CATEGORY));
+    m_oTreePictures.Reset(m_pDatabase->EntryCount());
+    m_oTree.Fill(*m_pDatabase, String(IDS_UNKNOWN_CATEGORY), m_oTreePictures.IsOn());
     m_oPreview.ShowBitmap(std::nullopt);
     ClearFacts();
 }
@@ -182,8 +180,10 @@ void CDlgMain::FixNameHashes()
                               .buttons = PromptButtons::YesNo}) != PromptAnswer::Yes)
         return;
     m_pDatabase->FixNameHashes(m_oProgress);
+    const bool wasStopped = m_oProgress.Cancelled();
     m_oProgress.Hide();
-    Status(String(IDS_DONE));
+    if (!wasStopped)
+        Status(String(IDS_DONE));
 }
 
 void CDlgMain::ShowGame(int game)

@@ -84,5 +84,6 @@ void CDlgMain::ExportToFolder(const std::vector<std::uint32_t>& entries, const s
     m_oProgress.Hide();
     if (const std::wstring failure = ExportFailureText(counts); !failure.empty())
         m_oParts.prompt.ShowError(failure);
-    Status(String(IDS_DONE));
+    else if (!counts.wasStopped && counts.notSaved == 0)
+        Status(String(IDS_DONE));
 }

@@ -32,9 +32,9 @@ void CDlgMain::DrawSelected()
         m_oPreview.ShowBitmap(std::nullopt);
         return;
     }
-    ShowFacts(*index);
     const auto started = std::chrono::steady_clock::now();
     try {
+        ShowFacts(*index);
         const auto decoded = DecodeTexture(*m_pDatabase, m_oParts.plugins, *index, m_eCache, ShownKind());
         m_oPreview.ShowBitmap(decoded ? ToBitmap(*decoded) : std::nullopt);
     } catch (const CError& error) {

@@ -55,6 +55,22 @@ POINT PointOf(LPARAM lParam)
     return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
 }
 
+// Ends the painting also when memory runs out on the way.
+class CPaintScope {
+public:
+    explicit CPaintScope(HWND window) : m_hWindow(window), m_hScreen(::BeginPaint(window, &m_oPaint)) {}
+    ~CPaintScope() { ::EndPaint(m_hWindow, &m_oPaint); }
+    CPaintScope(const CPaintScope&) = delete;
+    CPaintScope& operator=(const CPaintScope&) = delete;
+
+    HDC Screen() const { return m_hScreen; }
+
+private:
+    PAINTSTRUCT m_oPaint{};
+    HWND m_hWindow;
+    HDC m_hScreen;
+};
+
 }  // namespace
 
 CPreview::CPreview()
@@ -237,8 +253,8 @@ void CPreview::KeepPictureInReach(const RECT& client)
 
 void CPreview::OnPaint()
 {
-    PAINTSTRUCT paint{};
-    const HDC screen = ::BeginPaint(Handle(), &paint);
+    const CPaintScope scope(Handle());
+    const HDC screen = scope.Screen();
     const RECT client = ClientRect();
     if (WidthOf(client) > 0 && HeightOf(client) > 0 &&
         m_oSurface.Resize(screen, WidthOf(client), HeightOf(client))) {
@@ -246,7 +262,6 @@ void CPreview::OnPaint()
         Paint(m_oSurface.Dc(), client);
         m_oSurface.Show(screen, WidthOf(client), HeightOf(client));
     }
-    ::EndPaint(Handle(), &paint);
 }
 
 void CPreview::Paint(HDC target, const RECT& client)

@@ -14,6 +14,7 @@ public:
     /// Puts the bar into its pane again after the status bar changed its size.
     void Follow() const;
     void Hide();
+    bool IsRunning() const { return m_bRunning; }
 
     void Report(std::uint32_t current, std::uint32_t total, const std::wstring& text) override;
     bool Cancelled() const override { return m_bCancelled; }

@@ -25,16 +25,17 @@ std::vector<std::vector<std::uint32_t>> GroupByCategory(const CTextureDatabase& 
 void CTextureTree::Clear()
 {
     const CNoRedraw quiet(m_oControl);
-    m_oControl.DeleteAll();
+    m_oControl.RemoveAll();
     m_aTextureItems.clear();
     m_aRanks.clear();
     m_aCategoryItems.clear();
     m_nCategories = 0;
 }
 
-void CTextureTree::Fill(const CTextureDatabase& database, const std::wstring& unknown)
+void CTextureTree::Fill(const CTextureDatabase& database, const std::wstring& unknown, bool withPictures)
 {
     Clear();
+    const int picture = withPictures ? I_IMAGECALLBACK : I_IMAGENONE;
     const CNoRedraw quiet(m_oControl);
     const auto groups = GroupByCategory(database);
     m_nCategories = database.Categories().size();
@@ -51,7 +52,7 @@ void CTextureTree::Fill(const CTextureDatabase& database, const std::wstring& un
         for (const std::uint32_t index : groups[group]) {
             m_aRanks[index] = rank++;
             m_aTextureItems[index] =
-                m_oControl.Append(parent, database.Entry(index).name, static_cast<LPARAM>(index));
+                m_oControl.Append(parent, database.Entry(index).name, static_cast<LPARAM>(index), picture);
         }
     }
 }

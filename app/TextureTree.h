@@ -25,8 +25,9 @@ class CTextureTree {
 public:
     CTreeCtrlEx& Control() { return m_oControl; }
 
-    /// Shows the database anew. `unknown` names the group of textures whose category does not exist.
-    void Fill(const CTextureDatabase& database, const std::wstring& unknown);
+    /// Shows the database anew. `unknown` names the group of textures whose category does not exist. With
+    /// pictures the control asks for the picture of each texture when it first draws it.
+    void Fill(const CTextureDatabase& database, const std::wstring& unknown, bool withPictures);
     void Clear();
 
     TreeSelection Selection() const;

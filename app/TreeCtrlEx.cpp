@@ -69,6 +69,16 @@ void CTreeCtrlEx::ClearSelection()
     m_aCandidates.clear();
 }
 
+void CTreeCtrlEx::RemoveAll()
+{
+    // While items go the control moves the selection on to others that go next.
+    m_bChanging = true;
+    DeleteAll();
+    m_aCandidates.clear();
+    m_hAnchor = nullptr;
+    m_bChanging = false;
+}
+
 void CTreeCtrlEx::SelectNoneBut(HTREEITEM kept)
 {
     auto others = SelectedItems();
@@ -114,7 +124,10 @@ void CTreeCtrlEx::Toggle(HTREEITEM item)
 
 void CTreeCtrlEx::SelectRange(HTREEITEM last)
 {
-    HTREEITEM anchor = m_hAnchor != nullptr ? m_hAnchor : Caret();
+    // A range begins at an item that can be seen.
+    const HTREEITEM group = m_hAnchor != nullptr ? Parent(m_hAnchor) : nullptr;
+    const bool isInSight = m_hAnchor != nullptr && (group == nullptr || HasState(group, TVIS_EXPANDED));
+    HTREEITEM anchor = isInSight ? m_hAnchor : Caret();
     if (anchor == nullptr || !IsMultiple(last)) {
         SelectOnly(last);
         return;

@@ -27,6 +27,8 @@ public:
     /// Selects the item alone and shows it.
     void SelectOnly(HTREEITEM item);
     void ClearSelection();
+    /// Removes every item without a notification.
+    void RemoveAll();
 
 private:
     std::optional<LRESULT> Filter(UINT message, WPARAM wParam, LPARAM lParam) override;

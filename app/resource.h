@@ -1,7 +1,7 @@
 #pragma once
 
-// The numbers by which code and resources meet. Command numbers and the string numbers 106 and 111 are known to
-// language libraries and to other programs, so they never change.
+// The numbers by which code and resources meet. Command numbers and the string numbers 106 and 111 are known
+// to language libraries and to other programs, so they never change.
 
 // Commands.
 #define ID_EXPORT_SELECTION_CONTEXT 40006

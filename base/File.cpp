@@ -1,6 +1,6 @@
 #include "base/File.h"
 
-#include <new>
+#include <string>
 #include <system_error>
 
 std::optional<std::vector<std::byte>> ReadWholeFile(IFileSystem& files, const std::filesystem::path& file,
@@ -19,6 +19,11 @@ bool WriteWholeFile(IFileSystem& files, const std::filesystem::path& file, std::
 {
     std::filesystem::path beside = file;
     beside += ".new";
+    // A file of that name may be the person's own.
+    for (unsigned number = 2; files.Exists(beside); ++number) {
+        beside = file;
+        beside += ".new" + std::to_string(number);
+    }
     {
         const auto target = files.Open(beside, OpenMode::Truncate);
         if (!target)

@@ -162,15 +162,24 @@ struct PropertyChange {
     std::uint32_t value;
 };
 
+Property ParseKey(const std::wstring& word, const std::wstring& key)
+{
+    // Narrowing alone would take other letters for those of a key.
+    if (Widen(Narrow(key)) == key)
+        if (const auto property = PropertyFromKey(Narrow(key));
+            property && *property != Property::Name && *property != Property::Affiliate)
+            return *property;
+    throw CUsageError(Format(L"'%s' is not KEY=VALUE with the key of a property.", word));
+}
+
 PropertyChange ParseChange(const std::wstring& word)
 {
     const std::size_t equals = word.find(L'=');
-    const auto property = PropertyFromKey(Narrow(word.substr(0, equals)));
-    if (equals == std::wstring::npos || !property || *property == Property::Name ||
-        *property == Property::Affiliate)
-        throw CUsageError(Format(L"'%s' is not KEY=VALUE with the key of a property.", word));
+    const Property property = ParseKey(word, word.substr(0, equals));
+    if (equals == std::wstring::npos)
+        throw CUsageError(Format(L"'%s' is not KEY=VALUE.", word));
     const std::wstring_view text = std::wstring_view(word).substr(equals + 1);
-    return {*property, IsHexProperty(*property) ? ParseHex(word, text) : ParseDecimal(word, text)};
+    return {property, IsHexProperty(property) ? ParseHex(word, text) : ParseDecimal(word, text)};
 }
 
 ExitCode RunSet(CSession& session, const CArguments& arguments)

@@ -100,14 +100,19 @@ ExitCode RunImport(CSession& session, const CArguments& arguments)
     return counts.failed == 0 ? ExitCode::Done : ExitCode::Failed;
 }
 
-CacheIndex NamedCache(const CTextureDatabase& database, const CArguments& arguments)
+CacheIndex RequireCacheOption(const CArguments& arguments)
 {
     const auto word = arguments.Value(L"--cache");
     if (!word)
         throw CUsageError(L"The option --cache is needed.");
-    const CacheIndex cache = ParseCache(*word);
+    return ParseCache(*word);
+}
+
+CacheIndex NamedCache(const CTextureDatabase& database, const CArguments& arguments)
+{
+    const CacheIndex cache = RequireCacheOption(arguments);
     if (!database.IsOpen(cache))
-        throw CError(Format(L"The database has no %s cache.", *word));
+        throw CError(Format(L"The database has no %s cache.", CacheInfix(cache)));
     return cache;
 }
 
@@ -127,8 +132,6 @@ std::vector<std::uint32_t> EntriesNamed(const CTextureDatabase& database, const 
     std::optional<std::uint32_t> category;
     if (const auto word = arguments.Value(L"--category"))
         category = FindCategory(database, *word);
-    else if (!arguments.Has(L"--all"))
-        throw CUsageError(L"Name textures, or use --all or --category.");
     return EntriesToExport(database, category, !arguments.Has(L"--no-aliases"));
 }
 
@@ -157,6 +160,7 @@ void WriteExportCounts(const CSession& session, const ExportCounts& counts)
         .Field(L"exported", counts.exported)
         .Field(L"skipped", counts.skipped)
         .Field(L"failed", counts.failed)
+        .Field(L"not_saved", counts.notSaved)
         .EndObject();
     WriteOutput(json.Document());
 }
@@ -166,10 +170,13 @@ ExitCode RunExport(CSession& session, const CArguments& arguments)
     const auto folder = arguments.Value(L"--out");
     if (!folder)
         throw CUsageError(L"The option --out is needed.");
+    const bool isNamed = arguments.Words().size() > 1;
+    RequireCacheOption(arguments);
+    if (!isNamed && !arguments.Has(L"--all") && !arguments.Value(L"--category"))
+        throw CUsageError(L"Name textures, or use --all or --category.");
     CTextureDatabase& database = session.OpenDatabase(arguments.Words()[0]);
     const ExportRequest request = ReadExportRequest(database, arguments);
     const std::vector<std::uint32_t> entries = EntriesNamed(database, arguments);
-    const bool isNamed = arguments.Words().size() > 1;
     std::error_code error;
     std::filesystem::create_directories(ToPath(*folder), error);
     if (error)
@@ -179,13 +186,17 @@ ExitCode RunExport(CSession& session, const CArguments& arguments)
     WriteExportCounts(session, counts);
     if (counts.failed != 0)
         WriteMessage(ExportFailureText(counts));
+    if (counts.notSaved != 0)
+        WriteMessage(Format(L"%u files cannot be written.", counts.notSaved));
     // A texture that was asked for by name and has no raster is a failure; in a whole category it is not.
-    return counts.failed == 0 && (!isNamed || counts.skipped == 0) ? ExitCode::Done : ExitCode::Failed;
+    const bool isComplete = counts.failed == 0 && counts.notSaved == 0 && (!isNamed || counts.skipped == 0);
+    return isComplete ? ExitCode::Done : ExitCode::Failed;
 }
 
 ExitCode RunRaw(CSession& session, const CArguments& arguments)
 {
     const auto& words = arguments.Words();
+    RequireCacheOption(arguments);
     CTextureDatabase& database = session.OpenDatabase(words[0]);
     const CacheIndex cache = NamedCache(database, arguments);
     const std::uint32_t index = FindTexture(database, words[1]);

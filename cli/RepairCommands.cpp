@@ -14,16 +14,24 @@
 
 namespace {
 
-// Takes every repair that is offered: --fix is the answer.
-class CYesPrompt final : public IPrompt {
+// Takes every repair that is offered: --fix is the answer. Where No is proposed, because the list itself lost
+// lines and a repair would put everything under wrong names, it takes --yes as well.
+class CFixPrompt final : public IPrompt {
 public:
+    explicit CFixPrompt(std::optional<PromptAnswer> answer) : m_eAnswer(answer) {}
+
     PromptAnswer Show(const PromptBox& box) override
     {
         WriteMessage(box.text);
+        if (box.proposed == PromptAnswer::No && m_eAnswer != PromptAnswer::Yes)
+            return PromptAnswer::No;
         return box.buttons == PromptButtons::YesNo || box.buttons == PromptButtons::YesNoCancel
                    ? PromptAnswer::Yes
                    : PromptAnswer::Ok;
     }
+
+private:
+    std::optional<PromptAnswer> m_eAnswer;
 };
 
 void WriteFindings(CSession& session, const DatabaseCheck& check)
@@ -59,8 +67,8 @@ ExitCode RunCheck(CSession& session, const CArguments& arguments)
     CTextureDatabase& database = session.OpenDatabase(arguments.Words()[0]);
     const int limit = session.Settings().ReadInt(L"global", L"onload_check_limit", 3);
     if (arguments.Has(L"--fix")) {
-        CYesPrompt yes;
-        CDatabaseOpener opener(session.Settings(), yes, session.Progress());
+        CFixPrompt prompt(session.Options().answer);
+        CDatabaseOpener opener(session.Settings(), prompt, session.Progress());
         opener.OfferFileRepairs(database, [] {});
         opener.OfferNameHashRepair(database);
     }
@@ -73,6 +81,8 @@ ExitCode RunRecover(CSession& session, const CArguments& arguments)
 {
     CTextureDatabase& database = session.OpenCaches(arguments.Words()[0]);
     if (DiskFileSystem().Exists(database.ListPath())) {
+        if (!database.IsListOpen())
+            throw CError(L"TXT file can not be opened for writing.");
         const PromptAnswer answer =
             session.Prompt().Show({.text = L"The TXT list exists. Recovering replaces it, and every name and "
                                            L"category in it is lost.\n\nDo you "
@@ -111,7 +121,9 @@ ExitCode RunDefaultThumbnails(CSession& session, const CArguments& arguments)
     CTextureDatabase& database = session.OpenDatabase(words[0]);
     const CacheIndex cache = OpenCacheOf(database, words[1]);
     const StreamMode mode = GameOfDatabase(database).value_or(StreamMode::Raw);
-    return database.WriteDefaultThumbnails(cache, mode) ? ExitCode::Done : ExitCode::Failed;
+    if (!database.WriteDefaultThumbnails(cache, mode))
+        throw CError(L"Unable to write cache file");
+    return ExitCode::Done;
 }
 
 ExitCode RunRebuildToc(CSession& session, const CArguments& arguments)

@@ -76,7 +76,9 @@ std::optional<std::uint32_t> FindDuplicate(const CTextureDatabase& database, std
     for (std::uint32_t index = 0; index < database.EntryCount(); ++index) {
         const TextureEntry& entry = database.Entry(index);
         if (entry.Value(Property::Img) == hash && !entry.IsAlias() && index != replaced &&
-            entry.Value(Property::Width) == size.width && entry.Value(Property::Height) == size.height)
+            entry.Value(Property::Width) == size.width && entry.Value(Property::Height) == size.height &&
+            // An alias finds its target by name, which a second entry of that name does not answer to.
+            database.FindByName(entry.name, true) == index)
             return index;
     }
     return std::nullopt;

@@ -58,9 +58,7 @@ bool CTextListFile::KeepCopy()
 {
     if (!m_bCopyDue || !m_pFile)
         return true;
-    std::filesystem::path copy = m_sTarget;
-    copy += ".bak";
-    if (!m_rFiles.Exists(copy) && !CopyToNewFile(m_rFiles, *m_pFile, copy))
+    if (!KeepBackup(m_rFiles, *m_pFile, m_sTarget))
         return false;
     m_bCopyDue = false;
     return true;

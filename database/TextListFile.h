@@ -26,7 +26,8 @@ public:
     /// The whole text, or nothing when it cannot be read.
     std::optional<std::vector<std::byte>> Read() const;
 
-    /// The next rewrite first copies the list to `<list>.bak`, unless there is such a file already.
+    /// The next rewrite first copies the list to `<list>.bak`, or to a numbered name when there is such a
+    /// file already.
     void KeepCopyAtNextRewrite() { m_bCopyDue = true; }
 
     /// A rewrite in two steps. Prepare writes the new text to the disk, beside the list, and makes the due

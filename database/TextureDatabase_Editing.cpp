@@ -50,8 +50,8 @@ void CTextureDatabase::Save()
     CImpl& state = *m_pImpl;
     state.RequireList();
     try {
-        state.RewriteList();
         UpdateTocLengthWords();
+        state.RewriteList();
     } catch (const CError& error) {
         if (error.WasShown())
             throw;
@@ -142,7 +142,7 @@ bool CTextureDatabase::DeleteCategory(std::uint32_t index)
     exchangeAll();
     try {
         state.RewriteList();
-    } catch (const CError&) {
+    } catch (...) {
         exchangeAll();
         throw;
     }
@@ -176,7 +176,7 @@ bool CTextureDatabase::RenameEntry(std::uint32_t index, const std::wstring& name
     std::swap(entry, renamed);
     try {
         state.RewriteList();
-    } catch (const CError&) {
+    } catch (...) {
         std::swap(entry, renamed);
         throw;
     }
@@ -184,6 +184,7 @@ bool CTextureDatabase::RenameEntry(std::uint32_t index, const std::wstring& name
         if (state.At(alias).affiliate == renamed.name)
             state.At(alias).affiliate = name;
     state.m_oNames.Forget();
+    // The list goes first: a record that cannot be changed now is found by the next check of name hashes.
     // The records of an alias are those of its target and carry the target's name.
     if (!state.At(index).IsAlias())
         state.StoreNameHash(state.At(index));

@@ -111,21 +111,22 @@ bool CTextureDatabase::RecoverFromDat()
     if (recovered.entries.empty())
         return false;
 
+    // Before the list is replaced: what cannot be kept must not be lost.
+    if (slot.toc && !KeepBackup(state.m_rFiles, *slot.toc, slot.tocPath))
+        throw CError(std::wstring(DatabaseText::kCannotWrite));
     const auto oldCategories = std::exchange(state.m_aCategories, {TextureCategory{.name = L"Default"}});
     try {
         if (state.m_oList.IsOpen())
             state.m_oList.KeepCopyAtNextRewrite();
         state.PrepareList(recovered.entries);
         state.CommitList();
-    } catch (const CError&) {
+    } catch (...) {
         state.m_aCategories = oldCategories;
         throw;
     }
     state.m_aEntries = std::move(recovered.entries);
     state.m_oNames.Forget();
     state.m_bListLostText = false;
-    if (slot.toc && !KeepBackup(state.m_rFiles, *slot.toc, slot.tocPath))
-        throw CError(std::wstring(DatabaseText::kCannotWrite));
     slot.offsets = std::move(recovered.offsets);
     WriteTocFromOffsetList(*cache);
     for (const CacheIndex other : kAllCaches)

@@ -139,7 +139,7 @@ void CTextureDatabase::CImpl::AppendEntry(const TextureEntry& entry)
     m_aEntries.push_back(entry);
     try {
         RewriteList();
-    } catch (const CError&) {
+    } catch (...) {
         m_aEntries.pop_back();
         throw;
     }
@@ -168,6 +168,11 @@ bool CTextureDatabase::CImpl::TakeLastThumbnail(CacheIndex cache)
     TextureEntry& last = m_aEntries.back();
     const std::size_t index = SlotOf(cache);
     if (!slot.hasThumbnails || last.datOffset[index] == kNone)
+        return false;
+    // A thumbnail goes to the ordinary entry of its rank, so one without a raster in between shifts the rest.
+    const auto ordinary = std::count_if(m_aEntries.begin(), m_aEntries.end(),
+                                        [](const TextureEntry& entry) { return !entry.IsAlias(); });
+    if (static_cast<std::uint32_t>(ordinary) != CountRasters(cache))
         return false;
     // Every earlier thumbnail was found, so the new one begins where the one before it ends.
     std::uint64_t start = 0;

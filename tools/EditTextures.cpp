@@ -10,6 +10,7 @@
 namespace {
 
 constexpr std::wstring_view kTaken = L"Texture already exists";
+constexpr std::wstring_view kNoTarget = L"Texture is not found.";
 constexpr std::wstring_view kEmptyCategory = L"Empty category name given";
 constexpr std::wstring_view kNoSpaces = L"No spaces allowed";
 constexpr std::wstring_view kWrongCategory = L"Wrong category name given.";
@@ -64,7 +65,7 @@ std::uint32_t CreateAlias(CTextureDatabase& database, std::uint32_t index, const
     const TextureEntry original = database.Entry(target == kNone ? index : target);
     // An alias of nothing has no original that a new one could share.
     if (original.IsAlias())
-        Fail(L"Texture is not found.");
+        Fail(kNoTarget);
     CheckNewName(database, name);
     const std::uint32_t category = original.Value(Property::Cat);
     CheckLineWith(MakeAlias(name, original.name), Property::Cat, category);
@@ -108,7 +109,9 @@ void DeleteTextures(CTextureDatabase& database, std::span<const std::uint32_t> i
     std::vector<std::uint32_t> order(indices.begin(), indices.end());
     std::sort(order.rbegin(), order.rend());
     order.erase(std::unique(order.begin(), order.end()), order.end());
-    std::uint32_t target = *newTarget;
+    std::uint32_t target = database.IsAlias(*newTarget) ? database.AliasTarget(*newTarget) : *newTarget;
+    if (target == kNone || std::find(order.begin(), order.end(), target) != order.end())
+        Fail(kNoTarget);
     for (const std::uint32_t index : order) {
         database.DeleteEntry(index, target);
         if (index < target)

@@ -1,5 +1,8 @@
 #include "tools/NewDatabase.h"
 
+#include <algorithm>
+#include <array>
+
 #include "base/File.h"
 #include "base/Format.h"
 #include "base/Text.h"
@@ -7,13 +10,15 @@
 
 namespace {
 
+constexpr std::array<std::wstring_view, 3> kExtensions = {L".toc", L".dat", L".tmb"};
+
 bool AnyFileExists(const std::filesystem::path& list)
 {
     IFileSystem& files = DiskFileSystem();
     if (files.Exists(list))
         return true;
     for (const CacheIndex cache : kAllCaches)
-        for (const std::wstring_view extension : {L".toc", L".dat", L".tmb"})
+        for (const std::wstring_view extension : kExtensions)
             if (files.Exists(CacheFilePath(list, cache, extension)))
                 return true;
     return false;
@@ -37,6 +42,11 @@ CreateResult CreateDatabase(CTextureDatabase& database, const std::filesystem::p
         if (answer != PromptAnswer::Yes)
             return CreateResult::Declined;
     }
+    // What is left of another database of this name would be opened as caches of the new one.
+    for (const CacheIndex cache : kAllCaches)
+        if (std::find(caches.begin(), caches.end(), cache) == caches.end())
+            for (const std::wstring_view extension : kExtensions)
+                DiskFileSystem().Remove(CacheFilePath(list, cache, extension));
     if (database.Create(list, caches))
         return CreateResult::Created;
     prompt.ShowError(L"No caches created.");

@@ -152,7 +152,8 @@ bool AreThumbnailsWrong(CTextureDatabase& database, CacheIndex cache)
 {
     if (!database.HasThumbnailFile(cache))
         return database.IsOpen(cache) || database.HasToc(cache);
-    // Deliberate: every cache is compared with the last one.
+    // Deliberate: every cache is compared with the last one. Thumbnails count too, or a cut file would never
+    // be found.
     const std::size_t kept = RasterCountOfLastCache(database);
     const RecordCounts counts = CountRecords(database, cache);
     return counts.rasters != kept || counts.thumbnails != kept;
@@ -181,13 +182,15 @@ bool RecoverDatabase(CTextureDatabase& database)
     return true;
 }
 
-OpenResult CDatabaseOpener::Open(CTextureDatabase& database, const std::filesystem::path& list)
+OpenResult CDatabaseOpener::Open(CTextureDatabase& database, const std::filesystem::path& list,
+                                 const std::function<void()>& opened)
 {
     database.Open(list);
     if (OpenCaches(database).empty()) {
         m_rPrompt.ShowError(kNoCaches);
         return OpenResult::NoCaches;
     }
+    opened();
     if (database.IsListOpen())
         return OpenResult::Opened;
     if (DiskFileSystem().Exists(list)) {

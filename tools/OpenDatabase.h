@@ -59,9 +59,10 @@ public:
     {
     }
 
-    /// The steps up to the question about a missing list. On Opened the caller shows its window state, then
-    /// calls OfferRepairs.
-    OpenResult Open(CTextureDatabase& database, const std::filesystem::path& list);
+    /// Opens the files; `opened` is called once a cache is open, before a lost list is asked about.
+    OpenResult Open(
+        CTextureDatabase& database, const std::filesystem::path& list,
+        const std::function<void()>& opened = [] {});
     /// Table-of-contents and thumbnail questions. `done` is called after each repair (the window shows
     /// "Done!").
     void OfferFileRepairs(CTextureDatabase& database, const std::function<void()>& done);

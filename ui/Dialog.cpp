@@ -47,8 +47,12 @@ void CDialog::End(INT_PTR result)
     m_bEnded = true;
     if (m_bModal)
         ::EndDialog(Handle(), result);
-    else if (Exists())
+    else if (Exists()) {
         ::DestroyWindow(Handle());
+        // When another program has sent the message that ends the dialog, the loop still waits for a posted
+        // one.
+        ::PostMessageW(nullptr, WM_NULL, 0, 0);
+    }
 }
 
 INT_PTR CDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam)
@@ -56,6 +60,8 @@ INT_PTR CDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam)
     try {
         if (message == WM_INITDIALOG)
             return OnInit() ? TRUE : FALSE;
+        if ((message == WM_COMMAND || message == WM_CLOSE) && !AcceptsCommands())
+            return TRUE;
         const auto result = m_oMessages.Dispatch(message, wParam, lParam);
         if (!result)
             return FALSE;

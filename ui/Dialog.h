@@ -26,6 +26,8 @@ protected:
     virtual bool OnInit() { return true; }
     /// A message before Windows looks at it; true when it was dealt with.
     virtual bool PreTranslate(MSG&) { return false; }
+    /// Whether WM_COMMAND and WM_CLOSE are served now; otherwise they are dropped.
+    virtual bool AcceptsCommands() const { return true; }
     /// Called inside a catch: no exception may pass through Windows. The default ends the program, because a
     /// dialog that expects exceptions says what to do with them.
     virtual void OnException() { std::terminate(); }

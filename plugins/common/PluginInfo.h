@@ -33,6 +33,9 @@ struct Texts {
     const char16_t* description;
 };
 
+/// The texts of the library that this is built into; each plugin's own exports define it.
+const Texts& TextsOfThisPlugin();
+
 /// The answer to GetPluginInfo(what); null for a number that is not in MavrelPluginInfo.
 constexpr const char16_t* TextFor(const Texts& texts, std::uint32_t what)
 {

@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "plugins/common/PluginInfo.h"
 #include "plugins/etc1/Etc1.h"
 
 namespace {
@@ -9,27 +10,12 @@ constexpr Plugin::Texts kTexts{Plugin::kQualityNames, Plugin::kDitheringNames, u
                                u"Encodes and decodes Ericsson texture compression 1. Alpha is not stored."};
 }  // namespace
 
+const Plugin::Texts& Plugin::TextsOfThisPlugin()
+{
+    return kTexts;
+}
+
 extern "C" {
-
-MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLBuildID()
-{
-    return MAVREL_PLUGIN_BUILD;
-}
-
-MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLType()
-{
-    return MAVREL_PLUGIN_TYPE;
-}
-
-MAVREL_PLUGIN_EXPORT const char16_t* GetPluginInfo(std::uint32_t what)
-{
-    return Plugin::TextFor(kTexts, what);
-}
-
-MAVREL_PLUGIN_EXPORT std::uint32_t GetPluginThreading()
-{
-    return 1;
-}
 
 MAVREL_PLUGIN_EXPORT std::uint32_t ETC1Compress(const void* source, void* destination, std::uint32_t width,
                                                 std::uint32_t height, std::uint32_t /*mode*/,

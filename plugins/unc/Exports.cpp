@@ -10,27 +10,12 @@ constexpr Plugin::Texts kTexts{
     u"Packs pictures to RGBA 565 or RGBA 4444 and hands 16-bit rasters on unchanged."};
 }  // namespace
 
+const Plugin::Texts& Plugin::TextsOfThisPlugin()
+{
+    return kTexts;
+}
+
 extern "C" {
-
-MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLBuildID()
-{
-    return MAVREL_PLUGIN_BUILD;
-}
-
-MAVREL_PLUGIN_EXPORT std::uint32_t GetDLLType()
-{
-    return MAVREL_PLUGIN_TYPE;
-}
-
-MAVREL_PLUGIN_EXPORT const char16_t* GetPluginInfo(std::uint32_t what)
-{
-    return Plugin::TextFor(kTexts, what);
-}
-
-MAVREL_PLUGIN_EXPORT std::uint32_t GetPluginThreading()
-{
-    return 1;
-}
 
 MAVREL_PLUGIN_EXPORT std::uint32_t UNCCompress(const void* source, void* destination, std::uint32_t width,
                                                std::uint32_t height, std::uint32_t /*mode*/,

@@ -103,3 +103,13 @@ TEST_F(CheckCommand, FixHashesMendsWhatWasWrong)
     const std::string hash = RunCommand({L"hash", L"one"}).out;
     EXPECT_EQ(static_cast<unsigned char>(low), std::stoul(hash, nullptr, 16) & 0xFFU);
 }
+
+TEST_F(CheckCommand, AListThatLostLinesIsMendedOnlyWhenToldTwice)
+{
+    std::ofstream(m_oFolder / "t.txt", std::ios::binary | std::ios::app) << "# remark\r\n";
+    std::ofstream(m_oFolder / "t.dxt.toc", std::ios::binary | std::ios::app) << "more";
+    const auto before = FilesOf(m_oFolder.Path());
+    EXPECT_EQ(RunCommand({L"check", L"--fix", List()}).code, ExitCode::DamageFound);
+    EXPECT_EQ(FilesOf(m_oFolder.Path()), before);
+    EXPECT_EQ(RunCommand({L"--yes", L"check", L"--fix", List()}).code, ExitCode::Done);
+}

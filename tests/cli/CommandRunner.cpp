@@ -1,9 +1,6 @@
 #include "tests/cli/CommandRunner.h"
 
-#include <algorithm>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 
 #include "base/Text.h"
 #include "cli/Command.h"
@@ -21,18 +18,6 @@ CommandResult RunCommand(const std::vector<std::wstring>& words)
     result.out = testing::internal::GetCapturedStdout();
     result.err = testing::internal::GetCapturedStderr();
     return result;
-}
-
-std::vector<std::pair<std::string, std::string>> FilesOf(const std::filesystem::path& folder)
-{
-    std::vector<std::pair<std::string, std::string>> files;
-    for (const auto& item : std::filesystem::directory_iterator(folder)) {
-        std::ifstream in(item.path(), std::ios::binary);
-        files.emplace_back(item.path().filename().string(),
-                           std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()));
-    }
-    std::sort(files.begin(), files.end());
-    return files;
 }
 
 CBitmap Gradient(std::uint32_t width, std::uint32_t height)

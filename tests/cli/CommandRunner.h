@@ -10,6 +10,7 @@
 
 #include "cli/ExitCode.h"
 #include "image/Bitmap.h"
+#include "tests/support/DatabaseBuilder.h"
 
 struct CommandResult {
     ExitCode code = ExitCode::Done;
@@ -19,9 +20,6 @@ struct CommandResult {
 
 /// The words after the program's name. The plugins of this build are used, and no settings.
 CommandResult RunCommand(const std::vector<std::wstring>& words);
-
-/// Every file of a folder with its bytes.
-std::vector<std::pair<std::string, std::string>> FilesOf(const std::filesystem::path& folder);
 
 /// A picture whose pixels all differ: red by column, green by row, alpha falling by column.
 CBitmap Gradient(std::uint32_t width, std::uint32_t height);

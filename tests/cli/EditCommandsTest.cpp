@@ -144,3 +144,11 @@ TEST_F(EditCommands, AliasesOfATextureWithoutAnySaysSo)
     ASSERT_EQ(RunCommand({L"alias", List(), L"wall", L"wall2"}).code, ExitCode::Done);
     EXPECT_EQ(RunCommand({L"aliases", List(), L"wall"}).out, "03\twall2\tNo\n");
 }
+
+TEST_F(EditCommands, ATargetThatIsDeletedItselfIsRefused)
+{
+    const auto before = FilesOf(m_oFolder.Path());
+    EXPECT_EQ(RunCommand({L"delete", List(), L"wall", L"road", L"--retarget", L"road"}).code,
+              ExitCode::Failed);
+    EXPECT_EQ(FilesOf(m_oFolder.Path()), before);
+}

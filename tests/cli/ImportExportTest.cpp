@@ -158,4 +158,16 @@ TEST_F(ImportExport, NewAsksBeforeItReplacesADatabase)
     EXPECT_EQ(FilesOf(m_oFolder / "db"), before);
     EXPECT_EQ(RunCommand({L"new", List(), L"--yes", L"--caches", L"dxt"}).code, ExitCode::Done);
     EXPECT_EQ(RunCommand({L"list", List()}).out, "category #0 Default\n");
+    EXPECT_EQ(FilesOf(m_oFolder / "db").size(), 4U) << "nothing is left of the other caches";
+    EXPECT_EQ(RunCommand({L"check", List()}).code, ExitCode::Done);
+}
+
+TEST_F(ImportExport, AnExportThatCannotBeWrittenFails)
+{
+    ASSERT_EQ(RunCommand({L"--game", L"sa", L"import", List(), Path("wall.png"), L"--rgba8888"}).code,
+              ExitCode::Done);
+    std::filesystem::create_directories(m_oFolder / "out" / "wall.png");
+    const auto result = RunCommand({L"export", List(), L"wall", L"--cache", L"unc", L"--out", Path("out")});
+    EXPECT_EQ(result.code, ExitCode::Failed);
+    EXPECT_EQ(result.err, "1 files cannot be written.\n");
 }

@@ -90,3 +90,15 @@ TEST(RasterFormat, KnowsTheRunLengthUnits)
     EXPECT_EQ(UnitBytes(RasterFormatCode::Pvrtc2), 32U);
     EXPECT_EQ(UnitBytes(RasterFormatCode::Unknown), 0U);
 }
+
+TEST(RasterFormat, CountsASinglePixelOnceWithAndWithoutMips)
+{
+    EXPECT_EQ(RasterSize(Header(0x1401, 1, 1)), 4U);
+    EXPECT_EQ(RasterSize(Header(0x1401, 1, 1, true)), 4U);
+}
+
+TEST(RasterFormat, TakesAtLeastThirtyTwoBytesForAPvrtcLevel)
+{
+    EXPECT_EQ(RasterSize(Header(0x8C02, 4, 4)), 32U);
+    EXPECT_EQ(RasterSize(Header(0x8C01, 8, 8)), 32U);
+}

@@ -80,6 +80,7 @@ TEST(RasterToBitmap, MovesFiveAndSixBitsUpWithoutRepeatingThem)
 
 TEST(RasterToBitmap, RepeatsFourBits)
 {
+    EXPECT_THAT(Convert("ffff0000", Two(16, 0x565)), ElementsAre(0xFFF8FCF8, 0xFF000000));
     EXPECT_THAT(Convert("0ff08421", Two(16, 0x4444)), ElementsAre(0xFFFF0000, 0x44221188));
 }
 
