@@ -39,7 +39,7 @@ TEST_F(CTreePicturesTest, StandBesideTexturesWhenTheSettingSaysSo)
 TEST_F(CTreePicturesTest, AreBlankWithoutAThumbnail)
 {
     m_pSettings->WriteInt(L"global", L"show_thumbs", 1);
-    Start();
+    Start({PromptAnswer::No});  // no to the repair of the missing thumbnails
     CDatabaseBuilder builder;
     builder.Category("cat=0 name=walls")
         .Texture("plain")
