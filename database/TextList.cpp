@@ -37,19 +37,33 @@ private:
 
 std::string WithPlainLineEnds(std::span<const std::byte> bytes)
 {
+    const std::string_view raw(reinterpret_cast<const char*>(bytes.data()),
+                               bytes.size());  // NOLINT: text as it is
     std::string text;
-    text.reserve(bytes.size());
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-        if (bytes[i] != std::byte{'\r'} || i + 1 == bytes.size() || bytes[i + 1] != std::byte{'\n'})
-            text.push_back(static_cast<char>(bytes[i]));
-    return text;
+    text.reserve(raw.size());
+    std::size_t copied = 0;
+    for (std::size_t at = raw.find("\r\n"); at != std::string_view::npos; at = raw.find("\r\n", copied)) {
+        text.append(raw.substr(copied, at - copied)).push_back('\n');
+        copied = at + 2;
+    }
+    return text.append(raw.substr(copied));
+}
+
+// Lines that will be entries. Counting every line would let a file of line feeds ask for any amount of
+// memory.
+std::size_t CountEntries(std::string_view text)
+{
+    std::size_t count = text.starts_with('"') ? 1 : 0;
+    for (std::size_t at = text.find("\n\""); at != std::string_view::npos; at = text.find("\n\"", at + 1))
+        ++count;
+    return count;
 }
 
 class CTextListParser {
 public:
     TextList Parse(std::string_view text)
     {
-        m_oList.entries.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+        m_oList.entries.reserve(CountEntries(text));
         CLineSplitter splitter(text);
         std::string_view line;
         for (; splitter.Next(line); ++m_nLine) {
