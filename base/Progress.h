@@ -21,6 +21,6 @@ public:
 /// For callers that show nothing.
 class CNoProgress final : public IProgress {
 public:
-    void Report(std::uint32_t, std::uint32_t, const std::wstring&) override {}
+    void Report(std::uint32_t /*current*/, std::uint32_t /*total*/, const std::wstring& /*text*/) override {}
     bool Cancelled() const override { return false; }
 };

@@ -59,7 +59,8 @@ void AppendUtf8(std::string& out, std::uint32_t code)
     }
 }
 
-bool IsBlank(std::uint32_t character)
+template <class Character>
+bool IsBlank(Character character)
 {
     return character == ' ' || character == '\t' || character == '\r' || character == '\n';
 }
@@ -67,9 +68,9 @@ bool IsBlank(std::uint32_t character)
 template <class View>
 View TrimView(View text)
 {
-    while (!text.empty() && IsBlank(static_cast<std::uint32_t>(text.front())))
+    while (!text.empty() && IsBlank(text.front()))
         text.remove_prefix(1);
-    while (!text.empty() && IsBlank(static_cast<std::uint32_t>(text.back())))
+    while (!text.empty() && IsBlank(text.back()))
         text.remove_suffix(1);
     return text;
 }
@@ -119,9 +120,10 @@ std::string ToUtf8(std::wstring_view text)
     std::string bytes;
     bytes.reserve(text.size());
     for (std::size_t at = 0; at < text.size(); ++at) {
-        auto code = static_cast<std::uint32_t>(text[at]);
+        auto code = static_cast<std::uint32_t>(text[at]);  // NOLINT(bugprone-signed-char-misuse): wide
         if (sizeof(wchar_t) == 2 && code >= 0xD800 && code < 0xDC00 && at + 1 < text.size()) {
-            const auto low = static_cast<std::uint32_t>(text[at + 1]);
+            const auto low =
+                static_cast<std::uint32_t>(text[at + 1]);  // NOLINT(bugprone-signed-char-misuse): wide
             if (low >= 0xDC00 && low < 0xE000) {
                 code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
                 ++at;

@@ -59,7 +59,7 @@ void CJsonWriter::Quote(std::wstring_view text)
     std::wstring escaped;
     for (const wchar_t character : text) {
         // Lone surrogates and control characters cannot stand in UTF-8 text that everybody reads.
-        const auto code = static_cast<std::uint32_t>(character);
+        const auto code = static_cast<std::uint32_t>(character);  // NOLINT(bugprone-signed-char-misuse): wide
         const bool isLone = sizeof(wchar_t) > 2 && code >= 0xD800 && code < 0xE000;
         if (character == L'"' || character == L'\\')
             escaped.append({L'\\', character});

@@ -21,8 +21,12 @@ public:
     {
         return m_pSettings->ReadString(section, key);
     }
-    bool WriteString(std::wstring_view, std::wstring_view, std::wstring_view) override { return false; }
-    bool Delete(std::wstring_view, std::wstring_view) override { return false; }
+    bool WriteString(std::wstring_view /*section*/, std::wstring_view /*key*/,
+                     std::wstring_view /*value*/) override
+    {
+        return false;
+    }
+    bool Delete(std::wstring_view /*section*/, std::wstring_view /*key*/) override { return false; }
 
 private:
     std::unique_ptr<ISettings> m_pSettings;

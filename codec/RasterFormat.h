@@ -44,7 +44,7 @@ enum class RasterFormatCode : std::uint8_t {
 };
 
 /// The GL enumerants that headers hold.
-namespace GlFormat {
+namespace GlFormat {  // NOLINTBEGIN(readability-identifier-naming): the published names
 inline constexpr std::uint16_t Rgba8888 = 0x1401;
 inline constexpr std::uint16_t Rgba4444 = 0x8033;
 inline constexpr std::uint16_t Rgba5551 = 0x8034;
@@ -57,7 +57,7 @@ inline constexpr std::uint16_t Dxt3 = 0x83F2;
 inline constexpr std::uint16_t Dxt5 = 0x83F3;
 inline constexpr std::uint16_t Etc1 = 0x8D64;
 inline constexpr std::uint16_t Pvrtc2 = 0x8C01;
-inline constexpr std::uint16_t Pvrtc4 = 0x8C02;
+inline constexpr std::uint16_t Pvrtc4 = 0x8C02;  // NOLINTEND(readability-identifier-naming)
 }  // namespace GlFormat
 
 /// Unknown for an enumerant that is none of the above.

@@ -12,7 +12,7 @@
  *   GetPluginThreading           optional; without it the program never calls the plugin from two threads at
  * once
  */
-#ifndef MAVREL_PLUGIN_H
+#ifndef MAVREL_PLUGIN_H /* NOLINTBEGIN: plain C, which the checks for C++ do not know */
 #define MAVREL_PLUGIN_H
 
 #include <stdint.h>
@@ -86,4 +86,4 @@ typedef uint32_t (*MavrelGetPluginThreadingFn)(void);
 }
 #endif
 
-#endif
+#endif /* NOLINTEND */
