@@ -15,7 +15,7 @@ std::optional<std::vector<std::byte>> ReadWholeFile(IFileSystem& files, const st
     return bytes;
 }
 
-bool WriteWholeFile(IFileSystem& files, const std::filesystem::path& file, std::span<const std::byte> bytes)
+std::filesystem::path UnusedSibling(const IFileSystem& files, const std::filesystem::path& file)
 {
     std::filesystem::path beside = file;
     beside += ".new";
@@ -24,6 +24,12 @@ bool WriteWholeFile(IFileSystem& files, const std::filesystem::path& file, std::
         beside = file;
         beside += ".new" + std::to_string(number);
     }
+    return beside;
+}
+
+bool WriteWholeFile(IFileSystem& files, const std::filesystem::path& file, std::span<const std::byte> bytes)
+{
+    const std::filesystem::path beside = UnusedSibling(files, file);
     {
         const auto target = files.Open(beside, OpenMode::Truncate);
         if (!target)

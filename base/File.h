@@ -37,6 +37,8 @@ enum class OpenMode {
     Read,       ///< an existing file
     ReadWrite,  ///< an existing file; nobody else may write to it while it is open
     Truncate,  ///< created, or emptied; for reading and writing, nobody else may write to it while it is open
+    Exclusive,  ///< an existing file, for reading and, where it is allowed, writing; nobody else may open it
+                ///< so, or to write to it, while it is open
 };
 
 class IFileSystem {
@@ -59,6 +61,12 @@ public:
 
 /// The files of this machine. It has no state. Long Windows paths work.
 IFileSystem& DiskFileSystem();
+
+/// What the system says about the last failure of a file operation on this thread, in its own numbers.
+std::uint32_t LastSystemError();
+
+/// A name beside `file` that nothing has yet, for new contents that are to replace it.
+std::filesystem::path UnusedSibling(const IFileSystem& files, const std::filesystem::path& file);
 
 /// The whole of a file, or nothing when it cannot be opened or read, or is longer than `limit` bytes.
 std::optional<std::vector<std::byte>> ReadWholeFile(IFileSystem& files, const std::filesystem::path& file,

@@ -68,7 +68,10 @@ public:
         int flags = O_CLOEXEC | O_NONBLOCK | (mode == OpenMode::Read ? O_RDONLY : O_RDWR);
         if (mode == OpenMode::Truncate)
             flags |= O_CREAT;
-        const int descriptor = ::open(file.c_str(), flags, 0666);
+        int descriptor = ::open(file.c_str(), flags, 0666);
+        if (descriptor < 0 && mode == OpenMode::Exclusive &&
+            (errno == EACCES || errno == EPERM || errno == EROFS))
+            descriptor = ::open(file.c_str(), O_CLOEXEC | O_NONBLOCK | O_RDONLY);
         if (descriptor < 0)
             return nullptr;
         auto opened = std::make_unique<CPosixFile>(descriptor);
@@ -110,6 +113,11 @@ public:
 };
 
 }  // namespace
+
+std::uint32_t LastSystemError()
+{
+    return static_cast<std::uint32_t>(errno);
+}
 
 IFileSystem& DiskFileSystem()
 {

@@ -88,17 +88,35 @@ private:
     HANDLE m_hFile;
 };
 
+DWORD ShareOf(OpenMode mode)
+{
+    switch (mode) {
+        case OpenMode::Read:
+            return FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+        case OpenMode::ReadWrite:
+        case OpenMode::Truncate:
+            return FILE_SHARE_READ;
+        case OpenMode::Exclusive:
+            return 0;
+    }
+    return 0;
+}
+
 class CWin32FileSystem final : public IFileSystem {
 public:
     std::unique_ptr<IFile> Open(const std::filesystem::path& file, OpenMode mode) override
     {
         const bool reading = mode == OpenMode::Read;
         const DWORD access = reading ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
-        const DWORD share =
-            reading ? FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE : FILE_SHARE_READ;
         const DWORD disposition = mode == OpenMode::Truncate ? CREATE_ALWAYS : OPEN_EXISTING;
-        const HANDLE handle = ::CreateFileW(SystemPath(file).c_str(), access, share, nullptr, disposition,
-                                            FILE_ATTRIBUTE_NORMAL, nullptr);
+        const auto open = [&](DWORD wanted) {
+            return ::CreateFileW(SystemPath(file).c_str(), wanted, ShareOf(mode), nullptr, disposition,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr);
+        };
+        HANDLE handle = open(access);
+        if (handle == INVALID_HANDLE_VALUE && mode == OpenMode::Exclusive &&
+            ::GetLastError() == ERROR_ACCESS_DENIED)
+            handle = open(GENERIC_READ);
         if (handle == INVALID_HANDLE_VALUE)
             return nullptr;
         auto opened = std::make_unique<CWin32File>(handle);
@@ -130,6 +148,11 @@ public:
 };
 
 }  // namespace
+
+std::uint32_t LastSystemError()
+{
+    return ::GetLastError();
+}
 
 IFileSystem& DiskFileSystem()
 {

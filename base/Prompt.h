@@ -16,7 +16,7 @@ enum class PromptAnswer { Ok, Cancel, Yes, No };
 /// buttons.
 struct PromptBox {
     std::wstring text;
-    std::wstring caption;
+    std::wstring caption = {};
     PromptIcon icon = PromptIcon::None;
     PromptButtons buttons = PromptButtons::Ok;
     std::optional<PromptAnswer> proposed = std::nullopt;

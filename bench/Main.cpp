@@ -3,18 +3,24 @@
 // Measures how fast the core is, each workload against a baseline of the same run, so that the ratios can be
 // compared between machines. Results are checked; a wrong one ends the run with exit code 1.
 //
-//   open                        opening a database of 20000 entries with four caches, tables of contents and
-//   thumbnails,
-//                               with all checks, against reading the same list, tables and thumbnails plainly
-//   open-memory                 resident memory with that database open, above an empty process
-//   headers                     every header of every cache, against one positioned 8-byte read each
-//   decode-FORMAT               one level of 512 x 512 pixels on one thread, against copying its 1 MiB of
-//   output.
-//                               DXT1 DXT1-A DXT3 DXT5 ETC1 PVRTC2 PVRTC4 through their decoders; RGBA8888
-//                               RGB888 RGBA4444 RGBA5551 RGB565 LUM16 LUM8 PAL8 PAL4 through RasterToBitmap
-//   encode-FORMAT-QUALITY       megapixels a second and PSNR on one thread. Formats with alpha take the
-//   pictures that
-//                               have alpha, PVRTC those whose sides are powers of two
+//   open                 opening a database of 20000 entries with four caches, tables of contents and
+//                        thumbnails, with all checks, against reading the same list, tables and thumbnails
+//   open-memory          resident memory with that database open, above an empty process
+//   headers              every header of every cache, against one positioned 8-byte read each
+//   delete               deleting 500 of its textures in one batch, against reading and writing each file
+//                        once
+//   import               importing 500 pictures of 256 x 256 pixels into four caches with two threads,
+//                        against the calls of the encoders alone on two threads, normal quality
+//   import-work          the same in processor time, which other programs disturb less
+//   decode-FORMAT        one level of 512 x 512 pixels on one thread, against copying its 1 MiB of output.
+//                        DXT1 DXT1-A DXT3 DXT5 ETC1 PVRTC2 PVRTC4 through their decoders; RGBA8888 RGB888
+//                        RGBA4444 RGBA5551 RGB565 LUM16 LUM8 PAL8 PAL4 through RasterToBitmap
+//   rw-list              bytes read to list the textures of a 60 MB dictionary, against its length
+//   rw-decode            drawing all of them, against the decoder alone
+//   rw-models            the texture names of 1000 models, against one positioned read for each section
+//   encode-FORMAT-QUALITY
+//                        megapixels a second and PSNR on one thread. Formats with alpha take the pictures
+//                        that have alpha, PVRTC those whose sides are powers of two
 //
 //   --pictures DIR   PNG files to encode; without it, some of the demo's pictures
 //   --only PREFIX    only workloads whose names begin so, for example "decode" or "encode-ETC1"
@@ -29,7 +35,10 @@
 
 #include "bench/BigDatabase.h"
 #include "bench/CodecWorkloads.h"
+#include "bench/DeleteWorkload.h"
+#include "bench/ImportWorkload.h"
 #include "bench/OpenWorkloads.h"
+#include "bench/RenderWareWorkloads.h"
 
 namespace {
 
@@ -77,16 +86,23 @@ void MeasureDatabase(const std::string& only, Bench::CReport& report)
     }
     if (Concerns("headers", only))
         Bench::MeasureHeaders(list, report);
+    if (Concerns("delete", only))
+        Bench::MeasureDeleting(list, report);
 }
 
 int Run(const Options& options)
 {
     Bench::CReport report;
     report.PrintHead();
-    if (Concerns("open", options.only) || Concerns("headers", options.only))
+    if (Concerns("open", options.only) || Concerns("headers", options.only) ||
+        Concerns("delete", options.only))
         MeasureDatabase(options.only, report);
+    if (Concerns("import", options.only))
+        Bench::MeasureImport(report);
     if (Concerns("decode-", options.only))
         Bench::MeasureDecoding(options.only, report);
+    if (Concerns("rw-", options.only))
+        Bench::MeasureRenderWare(options.only, report);
     if (Concerns("encode-", options.only))
         Bench::MeasureEncoding(
             options.pictures ? Bench::LoadPictures(*options.pictures) : Bench::DemoPictures(), options.only,

@@ -24,6 +24,7 @@ std::span<const Command> DatabaseCommands();
 std::span<const Command> RepairCommands();
 std::span<const Command> EditCommands();
 std::span<const Command> PictureCommands();
+std::span<const Command> RenderWareCommands();
 std::span<const Command> ProgramCommands();
 
 /// Runs one command line without the program's name, and turns everything that can go wrong into an exit

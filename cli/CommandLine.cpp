@@ -36,8 +36,8 @@ const OptionNames kGlobalOptions = {
 std::vector<Command> AllCommands()
 {
     std::vector<Command> all;
-    for (const auto group :
-         {DatabaseCommands(), RepairCommands(), EditCommands(), PictureCommands(), ProgramCommands()})
+    for (const auto group : {DatabaseCommands(), RepairCommands(), EditCommands(), PictureCommands(),
+                             RenderWareCommands(), ProgramCommands()})
         all.insert(all.end(), group.begin(), group.end());
     return all;
 }

@@ -9,6 +9,7 @@
 #include "base/Text.h"
 #include "cli/Command.h"
 #include "cli/DatabaseJson.h"
+#include "tools/EditProperties.h"
 #include "tools/NewDatabase.h"
 #include "tools/OpenDatabase.h"
 #include "tools/Statistics.h"
@@ -129,35 +130,7 @@ ExitCode RunStats(CSession& session, const CArguments& arguments)
     return ExitCode::Done;
 }
 
-std::uint32_t ParseDecimal(const std::wstring& word, std::wstring_view text)
-{
-    const bool negative = text.starts_with(L'-');
-    const auto number = ParseIndex(negative ? text.substr(1) : text);
-    constexpr std::uint32_t kLowest = 0x80000000;
-    if (!number || (negative && *number > kLowest))
-        throw CUsageError(Format(L"'%s' is not KEY=VALUE with a whole number of 32 bits.", word));
-    return negative ? 0U - *number : *number;
-}
-
-std::uint32_t ParseHex(const std::wstring& word, std::wstring_view text)
-{
-    if (text.starts_with(L"0x") || text.starts_with(L"0X"))
-        text.remove_prefix(2);
-    constexpr std::wstring_view kDigits = L"0123456789abcdef";
-    std::uint32_t number = 0;
-    for (const wchar_t character : text) {
-        const std::size_t digit = kDigits.find(ToLowerAscii(character));
-        if (digit == std::wstring_view::npos)
-            throw CUsageError(Format(L"'%s' is not KEY=VALUE with hexadecimal digits.", word));
-        number = number << 4 | static_cast<std::uint32_t>(digit);
-    }
-    constexpr std::size_t kMostDigits = 8;
-    if (text.empty() || text.size() > kMostDigits)
-        throw CUsageError(Format(L"'%s' is not KEY=VALUE with one to eight hexadecimal digits.", word));
-    return number;
-}
-
-struct PropertyChange {
+struct KeyAndValue {
     Property property;
     std::uint32_t value;
 };
@@ -172,28 +145,33 @@ Property ParseKey(const std::wstring& word, const std::wstring& key)
     throw CUsageError(Format(L"'%s' is not KEY=VALUE with the key of a property.", word));
 }
 
-PropertyChange ParseChange(const std::wstring& word)
+KeyAndValue ParseChange(const std::wstring& word)
 {
     const std::size_t equals = word.find(L'=');
     const Property property = ParseKey(word, word.substr(0, equals));
     if (equals == std::wstring::npos)
         throw CUsageError(Format(L"'%s' is not KEY=VALUE.", word));
-    const std::wstring_view text = std::wstring_view(word).substr(equals + 1);
-    return {property, IsHexProperty(property) ? ParseHex(word, text) : ParseDecimal(word, text)};
+    const auto value = ParseNumber(property, std::wstring_view(word).substr(equals + 1));
+    if (!value)
+        throw CUsageError(Format(IsHexProperty(property)
+                                     ? L"'%s' is not KEY=VALUE with one to eight hexadecimal digits."
+                                     : L"'%s' is not KEY=VALUE with a whole number of 32 bits.",
+                                 word));
+    return {property, *value};
 }
 
 ExitCode RunSet(CSession& session, const CArguments& arguments)
 {
     const auto& words = arguments.Words();
-    std::vector<PropertyChange> changes;
+    std::vector<KeyAndValue> pairs;
     for (std::size_t i = 2; i < words.size(); ++i)
-        changes.push_back(ParseChange(words[i]));
+        pairs.push_back(ParseChange(words[i]));
     CTextureDatabase& database = session.OpenDatabase(words[0]);
     const std::uint32_t index = FindTexture(database, words[1]);
-    // A change that does not fit throws before anything was written.
-    for (const PropertyChange& change : changes)
-        database.ChangeProperty(index, change.property, change.value);
-    database.Save();
+    std::vector<PropertyChange> changes;
+    for (const auto& [property, value] : pairs)
+        changes.push_back({index, property, value});
+    database.ChangeProperties(changes);
     return ExitCode::Done;
 }
 

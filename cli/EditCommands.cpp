@@ -10,6 +10,7 @@
 #include "base/Format.h"
 #include "base/Text.h"
 #include "cli/Command.h"
+#include "tools/EditProperties.h"
 #include "tools/EditTextures.h"
 #include "tools/TextureRelations.h"
 
@@ -60,41 +61,20 @@ ExitCode RunMove(CSession& session, const CArguments& arguments)
     return ExitCode::Done;
 }
 
-std::int32_t* FieldOf(TextureCategory& category, std::wstring_view key)
-{
-    const std::array<std::pair<std::wstring_view, std::int32_t*>, 6> fields = {{
-        {L"cat", &category.cat},
-        {L"onfoot", &category.onfoot},
-        {L"slow", &category.slow},
-        {L"fast", &category.fast},
-        {L"defaultformat", &category.defaultformat},
-        {L"defaultstream", &category.defaultstream},
-    }};
-    for (const auto& [name, field] : fields)
-        if (name == key)
-            return field;
-    return nullptr;
-}
-
-std::int32_t ParseSigned(std::wstring_view text)
-{
-    const bool negative = text.starts_with(L'-');
-    const auto number = ParseIndex(negative ? text.substr(1) : text);
-    constexpr std::uint32_t kHighest = 0x7FFFFFFF;
-    if (!number || *number > kHighest)
-        throw CUsageError(Format(L"'%s' is not a whole number.", text));
-    return negative ? -static_cast<std::int32_t>(*number) : static_cast<std::int32_t>(*number);
-}
-
 void SetCategoryFields(CTextureDatabase& database, std::uint32_t index, std::span<const std::wstring> pairs)
 {
     TextureCategory category = database.Categories()[index];
     for (const std::wstring& pair : pairs) {
         const std::size_t equals = pair.find(L'=');
-        std::int32_t* field = FieldOf(category, std::wstring_view(pair).substr(0, equals));
+        const auto property = CategoryPropertyFromKey(std::wstring_view(pair).substr(0, equals));
+        std::int32_t* const field = property ? FieldOf(category, *property) : nullptr;
         if (equals == std::wstring::npos || field == nullptr)
             throw CUsageError(Format(L"'%s' is not KEY=VALUE with the key of a category.", pair));
-        *field = ParseSigned(std::wstring_view(pair).substr(equals + 1));
+        const std::wstring_view text = std::wstring_view(pair).substr(equals + 1);
+        const auto number = ParseCategoryNumber(text);
+        if (!number)
+            throw CUsageError(Format(L"'%s' is not a whole number.", text));
+        *field = *number;
     }
     database.SetCategory(index, category);
 }

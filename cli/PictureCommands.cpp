@@ -94,7 +94,8 @@ ExitCode RunImport(CSession& session, const CArguments& arguments)
     std::transform(words.begin() + 1, words.end(), std::back_inserter(files),
                    [](const std::wstring& word) { return ToPath(word); });
     CImportPrompt prompt(session);
-    CPictureImporter importer(database, session.Plugins(), session.Settings(), prompt, session.Progress());
+    CPictureImporter importer(database, session.Plugins(), session.Settings(), prompt, session.Progress(),
+                              {.jobs = session.Options().jobs});
     const ImportCounts counts = importer.Run(files, request, clash);
     WriteImportCounts(session, counts);
     return counts.failed == 0 ? ExitCode::Done : ExitCode::Failed;

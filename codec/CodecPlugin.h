@@ -3,6 +3,8 @@
 // One loaded codec plugin and what it says about itself. plugins/plugin.h is the interface that it
 // implements.
 
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,10 @@
 struct CodecPlugin {
     std::wstring fileName;  // with extension, without folder
     CDynamicLibrary library;
+    /// It says that its codecs may be called from several threads at once.
     bool threadSafe = false;
+    /// What every call of its codecs holds otherwise.
+    std::unique_ptr<std::mutex> callMutex = std::make_unique<std::mutex>();
 
     std::wstring DisplayName() const;
     std::wstring Description() const;

@@ -33,7 +33,8 @@ EncoderChoice ReadEncoder(CacheIndex encoder, const CPluginTable& plugins, const
 {
     return {.compress = plugins.Compress(encoder),
             .quality = static_cast<std::uint32_t>(settings.ReadInt(CacheName(encoder), L"quality", 0)),
-            .hasDithering = settings.IsOn(CacheName(encoder), L"dithering", false)};
+            .hasDithering = settings.IsOn(CacheName(encoder), L"dithering", false),
+            .oneAtATime = plugins.OneAtATime(encoder)};
 }
 
 std::vector<CacheIndex> TargetCaches(const CTextureDatabase& database, std::optional<CacheIndex> chosen,
@@ -46,25 +47,21 @@ std::vector<CacheIndex> TargetCaches(const CTextureDatabase& database, std::opti
     return caches;
 }
 
-RecordPlan MakePlan(const CTextureDatabase& database, const CPluginTable& plugins, const ISettings& settings,
-                    const CBitmap& picture, const ImportTarget& target)
+RecordPlan PlanFor(const CBitmap& picture, const PreparationRules& rules)
 {
-    RecordPlan plan;
-    plan.nameHash16 = static_cast<std::uint16_t>(NameHash(target.name));
-    plan.hasAlpha = target.hasAlpha;
-    plan.storeRgba8888 = target.storeRgba8888;
-    plan.hasMips = settings.IsOn(kGlobal, L"enable_mipmaps", true) && std::has_single_bit(picture.Width()) &&
-                   std::has_single_bit(picture.Height());
-    plan.allowRunLength = settings.IsOn(kGlobal, L"enable_rle_compression", true);
-    plan.mode = target.streamMode;
-    plan.forcedEncoder = target.forcedEncoder;
-    for (const CacheIndex encoder : kAllCaches)
-        plan.encoders[SlotOf(encoder)] = ReadEncoder(encoder, plugins, settings);
-    plan.rasterCaches = TargetCaches(database, target.cache, &CTextureDatabase::IsOpen);
-    plan.thumbnailCaches = TargetCaches(database, target.cache, &CTextureDatabase::HasThumbnailFile);
-    plan.thumbnailSide = static_cast<std::uint32_t>(
-        std::clamp(settings.ReadInt(kGlobal, L"thumb_size", kDefaultThumbnail), 0, kLargestThumbnail));
+    RecordPlan plan = rules.plan;
+    plan.hasMips =
+        rules.wantsMips && std::has_single_bit(picture.Width()) && std::has_single_bit(picture.Height());
     return plan;
+}
+
+// Refuses what cannot be stored at all.
+void CheckPlan(const CBitmap& picture, const RecordPlan& plan)
+{
+    if (StoresSquares(plan) && std::max(picture.Width(), picture.Height()) > kHighest)
+        Fail(CodecMessage::kWrongDimensions);
+    if (plan.rasterCaches.empty())
+        Fail(CodecMessage::kCannotWrite);
 }
 
 // A weak hash: the size has to agree too, and a hash of 0 is no hash.
@@ -107,15 +104,50 @@ TextureEntry NewEntry(const ImportTarget& target, PixelSize size, std::uint32_t 
     return entry;
 }
 
-PreparedTexture Prepare(CTextureDatabase& database, const ISettings& settings, const CBitmap& picture,
-                        const ImportTarget& target, const RecordPlan& plan)
+// What a picture is prepared from: the work that was done early where it fits the plan, else the picture.
+class CPictureSource {
+public:
+    CPictureSource(const CBitmap& picture, const RecordPlan& plan, std::optional<EarlyTexture> early)
+        : m_rPicture(picture), m_rPlan(plan), m_oEarly(std::move(early))
+    {
+    }
+
+    std::uint32_t ImageHash()
+    {
+        const bool isKnown = m_oEarly && m_oEarly->plan.hasAlpha == m_rPlan.hasAlpha;
+        return isKnown ? m_oEarly->imageHash : HashData(Pixels());
+    }
+
+    /// Once.
+    CPreparedRecords Records()
+    {
+        if (!m_oEarly || !m_oEarly->records || !StoreSameForms(m_oEarly->plan, m_rPlan))
+            return PrepareRecords(m_rPicture, Pixels(), m_rPlan);
+        m_oEarly->records->Label(m_rPlan);
+        return std::move(*m_oEarly->records);
+    }
+
+private:
+    std::span<const std::byte> Pixels()
+    {
+        if (m_aPixels.empty())
+            m_aPixels = RgbaPixels(m_rPicture, m_rPlan.hasAlpha);
+        return m_aPixels;
+    }
+
+    const CBitmap& m_rPicture;
+    const RecordPlan& m_rPlan;
+    std::optional<EarlyTexture> m_oEarly;
+    std::vector<std::byte> m_aPixels;
+};
+
+PreparedTexture Prepare(CTextureDatabase& database, const ISettings& settings, PixelSize size,
+                        const ImportTarget& target, CPictureSource source)
 {
-    const PixelSize size{picture.Width(), picture.Height()};
-    const std::vector<std::byte> pixels = RgbaPixels(picture, target.hasAlpha);
     PreparedTexture prepared;
     prepared.name = target.name;
     if (!target.cache) {
-        const std::uint32_t hash = HashData(pixels);
+        const std::uint32_t hash = source.ImageHash();
         if (settings.IsOn(kGlobal, L"enable_img_hash", true))
             if (const auto original = FindDuplicate(database, hash, size, target.replaced)) {
                 prepared.duplicateOf = database.Entry(*original).name;
@@ -125,35 +157,82 @@ PreparedTexture Prepare(CTextureDatabase& database, const ISettings& settings, c
         prepared.entry = NewEntry(target, size, hash);
         CheckLine(*prepared.entry, target);
     }
-    prepared.records = PrepareRecords(picture, pixels, plan);
+    prepared.records = source.Records();
     return prepared;
 }
 
 }  // namespace
 
+PreparationRules ReadPreparationRules(const CTextureDatabase& database, const CPluginTable& plugins,
+                                      const ISettings& settings, const ImportTarget& target)
+{
+    PreparationRules rules;
+    rules.wantsMips = settings.IsOn(kGlobal, L"enable_mipmaps", true);
+    RecordPlan& plan = rules.plan;
+    plan.hasAlpha = target.hasAlpha;
+    plan.storeRgba8888 = target.storeRgba8888;
+    plan.allowRunLength = settings.IsOn(kGlobal, L"enable_rle_compression", true);
+    plan.mode = target.streamMode;
+    plan.forcedEncoder = target.forcedEncoder;
+    for (const CacheIndex encoder : kAllCaches)
+        plan.encoders[SlotOf(encoder)] = ReadEncoder(encoder, plugins, settings);
+    plan.rasterCaches = TargetCaches(database, target.cache, &CTextureDatabase::IsOpen);
+    plan.thumbnailCaches = TargetCaches(database, target.cache, &CTextureDatabase::HasThumbnailFile);
+    plan.thumbnailSide = static_cast<std::uint32_t>(
+        std::clamp(settings.ReadInt(kGlobal, L"thumb_size", kDefaultThumbnail), 0, kLargestThumbnail));
+    return rules;
+}
+
+EarlyTexture PrepareEarly(const CBitmap& picture, const PreparationRules& rules,
+                          const LikelyDuplicate& isDuplicate)
+{
+    EarlyTexture early;
+    early.plan = PlanFor(picture, rules);
+    const std::vector<std::byte> pixels = RgbaPixels(picture, early.plan.hasAlpha);
+    early.imageHash = HashData(pixels);
+    try {
+        CheckDimensions(picture.Width(), picture.Height(), early.plan.forcedEncoder);
+        CheckPlan(picture, early.plan);
+        if (!isDuplicate(early.imageHash, {picture.Width(), picture.Height()}))
+            early.records = PrepareRecords(picture, pixels, early.plan);
+    } catch (const CError&) {          // its turn fails in the same way
+    } catch (const std::bad_alloc&) {  // its turn tries again, alone
+    }
+    return early;
+}
+
 PreparedTexture PrepareTexture(CTextureDatabase& database, const CPluginTable& plugins,
-                               const ISettings& settings, const CBitmap& picture, const ImportTarget& target)
+                               const ISettings& settings, const CBitmap& picture, const ImportTarget& target,
+                               std::optional<EarlyTexture> early)
 {
     if (!target.cache)
         CheckTextureName(target.name);
     CheckDimensions(picture.Width(), picture.Height(), target.forcedEncoder);
-    const RecordPlan plan = MakePlan(database, plugins, settings, picture, target);
-    if (StoresSquares(plan) && std::max(picture.Width(), picture.Height()) > kHighest)
-        Fail(CodecMessage::kWrongDimensions);
-    if (plan.rasterCaches.empty())
-        Fail(CodecMessage::kCannotWrite);
+    RecordPlan plan = PlanFor(picture, ReadPreparationRules(database, plugins, settings, target));
+    plan.nameHash16 = static_cast<std::uint16_t>(NameHash(target.name));
+    CheckPlan(picture, plan);
     try {
-        return Prepare(database, settings, picture, target, plan);
+        return Prepare(database, settings, {picture.Width(), picture.Height()}, target,
+                       CPictureSource(picture, plan, std::move(early)));
     } catch (const std::bad_alloc&) {
         Fail(CodecMessage::kCannotCompress);
     }
 }
 
-StoreResult StorePrepared(CTextureDatabase& database, PreparedTexture prepared)
+StoreResult StorePrepared(CTextureDatabase& database, PreparedTexture prepared,
+                          std::span<const PropertyValue> properties)
 {
     if (prepared.duplicateOf) {
-        if (!database.AddAlias(prepared.name, *prepared.duplicateOf))
-            Fail(CodecMessage::kCannotWrite);
+        CheckTextureName(*prepared.duplicateOf);
+        prepared.entry = MakeAlias(prepared.name, *prepared.duplicateOf);
+    }
+    if (prepared.entry && !properties.empty()) {
+        EntryLine(*prepared.entry);
+        for (const auto& [property, value] : properties)
+            SetProperty(*prepared.entry, property, value);
+    }
+    if (prepared.duplicateOf) {
+        database.StoreTexture(std::move(prepared.entry), {});
         return StoreResult::MadeAlias;
     }
     database.StoreTexture(std::move(prepared.entry), prepared.records.Records());

@@ -5,9 +5,12 @@
 // replaced without the risk of losing it.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/Settings.h"
 #include "codec/PluginTable.h"
@@ -45,12 +48,43 @@ struct PreparedTexture {
     CPreparedRecords records;
 };
 
+/// What settings, plugins and database say about the records of the next texture. A value, so that another
+/// thread can prepare pictures by it.
+struct PreparationRules {
+    RecordPlan plan;  // the name is left out, and levels go by the picture
+    bool wantsMips = false;
+};
+PreparationRules ReadPreparationRules(const CTextureDatabase& database, const CPluginTable& plugins,
+                                      const ISettings& settings, const ImportTarget& target);
+
+/// The work on a picture that was done before its turn, by the rules that were expected to hold then.
+struct EarlyTexture {
+    RecordPlan plan;
+    std::uint32_t imageHash = 0;
+    /// Nothing when they were not worth it, or could not be made.
+    std::optional<CPreparedRecords> records;
+};
+/// Whether a texture of that hash and size is likely to be the same picture, so that its records would be
+/// made in vain. Called on the thread that prepares.
+using LikelyDuplicate = std::function<bool(std::uint32_t imageHash, PixelSize size)>;
+/// The part of PrepareTexture that needs nothing but the picture; for any thread. A picture that would be
+/// refused comes back without records, and its turn tells why. Throws std::bad_alloc when there is no room
+/// for the picture's pixels.
+EarlyTexture PrepareEarly(const CBitmap& picture, const PreparationRules& rules,
+                          const LikelyDuplicate& isDuplicate);
+
 /// Throws CError (not shown) for wrong dimensions, a name or a line that does not fit, a cache that is not
-/// open or an encoder that does not keep to the sizes of its format.
+/// open or an encoder that does not keep to the sizes of its format. `early` is what PrepareEarly made of the
+/// same picture; whatever of it does not fit the rules of this moment is made anew.
 PreparedTexture PrepareTexture(CTextureDatabase& database, const CPluginTable& plugins,
-                               const ISettings& settings, const CBitmap& picture, const ImportTarget& target);
-/// Throws CError for a failed write; then nothing has changed.
-StoreResult StorePrepared(CTextureDatabase& database, PreparedTexture prepared);
+                               const ISettings& settings, const CBitmap& picture, const ImportTarget& target,
+                               std::optional<EarlyTexture> early = std::nullopt);
+/// A property and the value that it gets.
+using PropertyValue = std::pair<Property, std::uint32_t>;
+/// The entry gets `properties`, in that order, before its line is written. Throws CError for a failed write;
+/// then nothing has changed.
+StoreResult StorePrepared(CTextureDatabase& database, PreparedTexture prepared,
+                          std::span<const PropertyValue> properties = {});
 
 /// Both in one. Throws CError (not shown) for wrong dimensions, a name or a line that does not fit, an
 /// encoder that does not keep to the sizes of its format, or a failed write; then nothing has changed.

@@ -1,8 +1,42 @@
 #include "codec/LibraryCheck.h"
 
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
 #include "base/Format.h"
+#include "base/Text.h"
 #include "codec/BuildNumber.h"
 #include "plugins/plugin.h"
+
+namespace {
+
+constexpr std::size_t kLongestFileName = 127;
+
+bool IsLibraryName(std::wstring_view name)
+{
+    return name.size() <= kLongestFileName && name.size() >= kLibraryExtension.size() &&
+           ToLowerAscii(name.substr(name.size() - kLibraryExtension.size())) == kLibraryExtension;
+}
+
+}  // namespace
+
+std::vector<std::wstring> LibraryNames(const std::filesystem::path& folder)
+{
+    std::vector<std::wstring> names;
+    std::error_code error;
+    std::filesystem::directory_iterator at(folder, error);
+    while (!error && at != std::filesystem::directory_iterator()) {
+        std::wstring name = FromPath(at->path().filename());
+        if (IsLibraryName(name))
+            names.push_back(std::move(name));
+        at.increment(error);
+    }
+    std::sort(names.begin(), names.end(), [](const std::wstring& a, const std::wstring& b) {
+        return std::pair(ToUpperAscii(a), a) < std::pair(ToUpperAscii(b), b);
+    });
+    return names;
+}
 
 std::optional<CDynamicLibrary> LoadCompatibleLibrary(const std::filesystem::path& file,
                                                      const std::wstring& shownPath, std::uint32_t typeMask,

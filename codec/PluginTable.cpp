@@ -1,45 +1,13 @@
 #include "codec/PluginTable.h"
 
-#include <algorithm>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "base/Text.h"
 
 namespace {
 
-#ifdef _WIN32
-constexpr std::wstring_view kExtension = L".dll";
-#else
-constexpr std::wstring_view kExtension = L".so";
-#endif
-constexpr std::size_t kLongestFileName = 127;
 constexpr std::wstring_view kPluginKey = L"plugin";
-
-bool IsLibraryName(std::wstring_view name)
-{
-    return name.size() <= kLongestFileName && name.size() >= kExtension.size() &&
-           ToLowerAscii(name.substr(name.size() - kExtension.size())) == kExtension;
-}
-
-// In the order in which Windows lists a folder: by upper-case name.
-std::vector<std::wstring> LibraryNames(const std::filesystem::path& folder)
-{
-    std::vector<std::wstring> names;
-    std::error_code error;
-    std::filesystem::directory_iterator at(folder, error);
-    while (!error && at != std::filesystem::directory_iterator()) {
-        std::wstring name = FromPath(at->path().filename());
-        if (IsLibraryName(name))
-            names.push_back(std::move(name));
-        at.increment(error);
-    }
-    std::sort(names.begin(), names.end(), [](const std::wstring& a, const std::wstring& b) {
-        return std::pair(ToUpperAscii(a), a) < std::pair(ToUpperAscii(b), b);
-    });
-    return names;
-}
 
 }  // namespace
 
@@ -54,7 +22,7 @@ void CPluginTable::Discover(const std::filesystem::path& folder, IPrompt& prompt
             continue;
         const auto threading = library->Find<MavrelGetPluginThreadingFn>("GetPluginThreading");
         const bool threadSafe = threading != nullptr && threading() != 0;
-        m_aPlugins.push_back({name, std::move(*library), threadSafe});
+        m_aPlugins.push_back({.fileName = name, .library = std::move(*library), .threadSafe = threadSafe});
     }
 }
 
@@ -84,7 +52,8 @@ void CPluginTable::BindFromSettings(ISettings& settings)
 void CPluginTable::Bind(CacheIndex cache, std::size_t plugin)
 {
     const CodecPlugin& chosen = m_aPlugins.at(plugin);
-    m_aBound[SlotOf(cache)] = {chosen.Compress(cache), chosen.Decompress(cache), plugin};
+    m_aBound[SlotOf(cache)] = {chosen.Compress(cache), chosen.Decompress(cache), plugin,
+                               chosen.threadSafe ? nullptr : chosen.callMutex.get()};
 }
 
 void CPluginTable::Unbind(CacheIndex cache)
@@ -92,7 +61,17 @@ void CPluginTable::Unbind(CacheIndex cache)
     m_aBound[SlotOf(cache)] = {};
 }
 
-void CPluginTable::BindFunctions(CacheIndex cache, MavrelCompressFn compress, MavrelDecompressFn decompress)
+void CPluginTable::BindFunctions(CacheIndex cache, MavrelCompressFn compress, MavrelDecompressFn decompress,
+                                 CodecThreading threading)
 {
-    m_aBound[SlotOf(cache)] = {compress, decompress, std::nullopt};
+    auto& own = m_aOwnMutexes[SlotOf(cache)];
+    if (threading == CodecThreading::OneAtATime && !own)
+        own = std::make_unique<std::mutex>();
+    m_aBound[SlotOf(cache)] = {compress, decompress, std::nullopt,
+                               threading == CodecThreading::OneAtATime ? own.get() : nullptr};
+}
+
+std::unique_lock<std::mutex> LockCodec(std::mutex* oneAtATime)
+{
+    return oneAtATime != nullptr ? std::unique_lock(*oneAtATime) : std::unique_lock<std::mutex>();
 }

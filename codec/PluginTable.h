@@ -6,6 +6,8 @@
 
 #include <array>
 #include <filesystem>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -16,6 +18,9 @@
 #include "codec/LibraryCheck.h"
 #include "database/CacheIndex.h"
 #include "plugins/plugin.h"
+
+/// Whether entry points may run on several threads at once.
+enum class CodecThreading { OneAtATime, Free };
 
 class CPluginTable {
 public:
@@ -36,15 +41,25 @@ public:
     /// The plugin whose entry points are bound, if it came from this table.
     std::optional<std::size_t> BoundPlugin(CacheIndex cache) const { return m_aBound[SlotOf(cache)].plugin; }
     /// For entry points that live in the program itself, as in tests and benchmarks.
-    void BindFunctions(CacheIndex cache, MavrelCompressFn compress, MavrelDecompressFn decompress);
+    void BindFunctions(CacheIndex cache, MavrelCompressFn compress, MavrelDecompressFn decompress,
+                       CodecThreading threading = CodecThreading::OneAtATime);
+    /// What every call of the entry points bound to this cache must hold, see LockCodec; null when they need
+    /// nothing. Valid as long as the table and the binding.
+    std::mutex* OneAtATime(CacheIndex cache) const { return m_aBound[SlotOf(cache)].oneAtATime; }
 
 private:
     struct Binding {
         MavrelCompressFn compress = nullptr;
         MavrelDecompressFn decompress = nullptr;
         std::optional<std::size_t> plugin;
+        std::mutex* oneAtATime = nullptr;
     };
 
     std::vector<CodecPlugin> m_aPlugins;
     std::array<Binding, kCacheCount> m_aBound{};
+    std::array<std::unique_ptr<std::mutex>, kCacheCount> m_aOwnMutexes;
 };
+
+/// Held around every call of a codec: a library that does not say otherwise is never in two calls at once,
+/// whichever caches it serves.
+std::unique_lock<std::mutex> LockCodec(std::mutex* oneAtATime);

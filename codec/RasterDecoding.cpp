@@ -224,6 +224,7 @@ Output Decode(std::vector<std::byte>& raster, const RasterHeader& header, Record
     Output output{BlankOutput(width, height), false};
     PadFirstLevel(raster, *rule, width, height);
     const std::uint32_t levels = kind == RecordKind::Thumbnail ? 1 : LevelCount(header);
+    const auto lock = LockCodec(plugins.OneAtATime(rule->plugin));
     DecodeLevels(*rule, decompress, raster, width, height, levels, output);
     return output;
 }

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 #include "codec/CodecMessages.h"
+#include "codec/PluginTable.h"
+#include "database/RunLength.h"
 
 namespace {
 
@@ -116,6 +119,7 @@ public:
         : m_nFlags(CompressFlags(encoder, plan)),
           m_nMode(plan.hasAlpha ? 4 : 2),
           m_fnCompress(plan.encoders[SlotOf(encoder)].compress),
+          m_pOneAtATime(plan.encoders[SlotOf(encoder)].oneAtATime),
           m_eCode(FormatFromGl(header.glFormat)),
           m_nExpected(RasterSize(header)),
           // Encoders may use more room than their output takes; pages that are never touched cost nothing.
@@ -129,8 +133,11 @@ public:
     {
         if (m_nUsed + LevelSize(m_eCode, size.width, size.height) > m_nCapacity)
             FailToCompress();
-        m_nUsed +=
-            m_fnCompress(rgba.data(), m_pBytes.get() + m_nUsed, size.width, size.height, m_nMode, m_nFlags);
+        {
+            const auto lock = LockCodec(m_pOneAtATime);
+            m_nUsed += m_fnCompress(rgba.data(), m_pBytes.get() + m_nUsed, size.width, size.height, m_nMode,
+                                    m_nFlags);
+        }
         std::this_thread::yield();
     }
 
@@ -145,6 +152,7 @@ private:
     std::uint32_t m_nFlags;
     std::uint32_t m_nMode;
     MavrelCompressFn m_fnCompress;
+    std::mutex* m_pOneAtATime;
     RasterFormatCode m_eCode;
     std::uint64_t m_nExpected;
     std::uint64_t m_nCapacity;
@@ -216,6 +224,31 @@ private:
     std::vector<std::byte> m_aPacked16;
 };
 
+// Run-length coding of every form that is stored, here so that the thread at hand does it; caches share it as
+// they share the bytes.
+class CFrames {
+public:
+    explicit CFrames(const RecordPlan& plan)
+        : m_bWanted(plan.mode == StreamMode::Framed && plan.allowRunLength)
+    {
+    }
+
+    std::optional<std::span<const std::byte>> For(StoredForm form, const NewRecord& record,
+                                                  CPreparedRecords& owner)
+    {
+        auto& frame = m_aFrames[IndexOf(form)];
+        if (m_bWanted && !frame) {
+            auto coded = RleEncode(record.bytes, UnitBytes(FormatFromGl(record.header.glFormat)));
+            frame = coded ? owner.Keep(std::move(*coded)) : std::span<const std::byte>();
+        }
+        return frame;
+    }
+
+private:
+    bool m_bWanted;
+    std::array<std::optional<std::span<const std::byte>>, kAllForms.size()> m_aFrames;
+};
+
 void AddThumbnails(const CBitmap& picture, const RecordPlan& plan, CPreparedRecords& records)
 {
     if (plan.thumbnailSide == 0 || plan.thumbnailCaches.empty())
@@ -242,6 +275,24 @@ std::span<const std::byte> CPreparedRecords::Keep(std::unique_ptr<std::byte[]> b
     return {m_aBuffers.emplace_back(std::move(bytes)).get(), count};
 }
 
+void CPreparedRecords::Label(const RecordPlan& plan)
+{
+    for (PreparedRecord& prepared : m_aRecords) {
+        prepared.record.header.nameHash16 = plan.nameHash16;
+        prepared.record.mode = plan.mode;
+        prepared.record.allowRunLength = prepared.kind == RecordKind::Raster && plan.allowRunLength;
+    }
+}
+
+bool StoreSameForms(const RecordPlan& one, const RecordPlan& other)
+{
+    const auto forms = [](const RecordPlan& plan) {
+        return std::tie(plan.hasAlpha, plan.storeRgba8888, plan.hasMips, plan.forcedEncoder, plan.encoders,
+                        plan.rasterCaches, plan.thumbnailCaches, plan.thumbnailSide);
+    };
+    return forms(one) == forms(other);
+}
+
 bool StoresSquares(const RecordPlan& plan)
 {
     return std::any_of(plan.rasterCaches.begin(), plan.rasterCaches.end(),
@@ -255,11 +306,13 @@ CPreparedRecords PrepareRecords(const CBitmap& picture, std::span<const std::byt
     CFormWriter writer(picture, plan);
     writer.WriteLevels(fullPixels);
     const auto bytes = writer.Finish(records);
+    CFrames frames(plan);
     for (const CacheIndex cache : plan.rasterCaches) {
         const StoredForm form = FormFor(cache, plan);
         const RasterHeader header = HeaderFor(form, {picture.Width(), picture.Height()}, plan);
-        records.Add(
-            {cache, RecordKind::Raster, {header, bytes[IndexOf(form)], plan.mode, plan.allowRunLength}});
+        NewRecord record{header, bytes[IndexOf(form)], plan.mode, plan.allowRunLength};
+        record.runLengthFrame = frames.For(form, record, records);
+        records.Add({cache, RecordKind::Raster, record});
     }
     AddThumbnails(picture, plan, records);
     return records;

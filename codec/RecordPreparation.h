@@ -1,12 +1,14 @@
 #pragma once
 
 // The pure half of storing a picture: picture and settings in, records out. It touches no database, no file
-// and no settings, so that any thread may run it.
+// and no settings, so that any thread may run it. Codecs that must not run twice at once are called one at a
+// time.
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -20,6 +22,10 @@ struct EncoderChoice {
     MavrelCompressFn compress = nullptr;
     std::uint32_t quality = 0;
     bool hasDithering = false;
+    /// Held around every call, see LockCodec. Borrowed.
+    std::mutex* oneAtATime = nullptr;
+
+    bool operator==(const EncoderChoice&) const = default;
 };
 
 struct RecordPlan {
@@ -52,6 +58,8 @@ public:
     std::span<const PreparedRecord> Records() const { return m_aRecords; }
 
     void Add(const PreparedRecord& record) { m_aRecords.push_back(record); }
+    /// Gives every record the name, the game and the frame of another plan, one that stores the same forms.
+    void Label(const RecordPlan& plan);
     /// Takes bytes over; the span stays valid as long as the object, also when it moves.
     std::span<const std::byte> Keep(std::vector<std::byte> bytes);
     std::span<const std::byte> Keep(std::unique_ptr<std::byte[]> bytes, std::size_t count);
@@ -61,6 +69,10 @@ private:
     std::vector<std::vector<std::byte>> m_aVectors;
     std::vector<std::unique_ptr<std::byte[]>> m_aBuffers;
 };
+
+/// True when both plans make the same pixels for the same caches out of a picture; name, game and run-length
+/// coding may differ.
+bool StoreSameForms(const RecordPlan& one, const RecordPlan& other);
 
 /// True when one of the caches gets the encoder that stores squares.
 bool StoresSquares(const RecordPlan& plan);

@@ -16,22 +16,35 @@ bool HasNeighbourInside(std::span<const PlacedRecord> byPlace, const RemovedReco
     return last - first != 1;
 }
 
-// Cuts the bytes between two removed records, or behind the last one, at the records that begin there.
+// Short records that follow each other move together; a longer one moves alone.
+constexpr std::uint64_t kLongestPiece = std::uint64_t{1} << 16;
+
+// Cuts the bytes between two removed records, or behind the last one, where records begin.
 void AddPieces(DeletionPlan& plan, std::uint64_t from, std::uint64_t end, std::uint64_t down)
 {
     const auto isBefore = [](const PlacedRecord& record, std::uint64_t place) {
         return record.offset < place;
     };
-    auto owner = std::lower_bound(plan.kept.begin(), plan.kept.end(), from, isBefore);
+    auto next = std::lower_bound(plan.kept.begin(), plan.kept.end(), from, isBefore);
     while (from < end) {
-        MovedPiece piece = {.from = from, .length = end - from, .down = down};
-        piece.firstOwner = static_cast<std::size_t>(owner - plan.kept.begin());
-        for (; owner != plan.kept.end() && owner->offset == from; ++owner)
-            ++piece.ownerCount;
-        if (owner != plan.kept.end() && owner->offset < end)
-            piece.length = owner->offset - from;
-        plan.moved.push_back(piece);
-        from += piece.length;
+        const auto first = next;
+        std::uint64_t to = from;
+        while (to < end) {
+            const auto behind = std::find_if(
+                next, plan.kept.end(), [to](const PlacedRecord& record) { return record.offset != to; });
+            const bool endsHere = behind == plan.kept.end() || behind->offset >= end;
+            const std::uint64_t stop = endsHere ? end : behind->offset;
+            if (to != from && stop - from > kLongestPiece)
+                break;
+            next = behind;
+            to = stop;
+        }
+        plan.moved.push_back({.from = from,
+                              .length = to - from,
+                              .down = down,
+                              .firstOwner = static_cast<std::size_t>(first - plan.kept.begin()),
+                              .ownerCount = static_cast<std::size_t>(next - first)});
+        from = to;
     }
 }
 
@@ -42,8 +55,13 @@ std::optional<DeletionPlan> PlanDeletion(std::span<const PlacedRecord> records,
 {
     DeletionPlan plan;
     plan.newLength = fileBytes;
-    std::vector<PlacedRecord> byPlace(records.begin(), records.end());
-    std::ranges::stable_sort(byPlace, {}, &PlacedRecord::offset);
+    std::vector<PlacedRecord> sorted;
+    std::span<const PlacedRecord> byPlace = records;
+    if (!std::ranges::is_sorted(records, {}, &PlacedRecord::offset)) {
+        sorted.assign(records.begin(), records.end());
+        std::ranges::stable_sort(sorted, {}, &PlacedRecord::offset);
+        byPlace = sorted;
+    }
 
     for (std::size_t i = 0; i < records.size(); ++i) {
         const std::uint64_t start = records[i].offset;
@@ -59,6 +77,7 @@ std::optional<DeletionPlan> PlanDeletion(std::span<const PlacedRecord> records,
         plan.newLength -= removed.length;
     }
     std::ranges::sort(plan.removed, {}, &RemovedRecord::offset);
+    plan.kept.reserve(byPlace.size());
     std::ranges::copy_if(byPlace, std::back_inserter(plan.kept),
                          [&isGone](const PlacedRecord& record) { return !isGone[record.entry]; });
 
@@ -73,20 +92,19 @@ std::optional<DeletionPlan> PlanDeletion(std::span<const PlacedRecord> records,
     return plan;
 }
 
-std::vector<MovedPiece> JoinPieces(std::span<const MovedPiece> pieces, std::uint64_t direct,
-                                   std::uint64_t staged)
+std::vector<MovedGroup> GroupPieces(std::span<const MovedPiece> pieces, std::uint64_t direct,
+                                    std::uint64_t staged)
 {
-    std::vector<MovedPiece> groups;
-    for (const MovedPiece& piece : pieces) {
-        const std::uint64_t longest = piece.down >= direct ? piece.down : staged;
-        const bool joins = !groups.empty() && groups.back().down == piece.down &&
-                           groups.back().length + piece.length <= longest;
-        if (!joins) {
-            groups.push_back(piece);
-            continue;
+    std::vector<MovedGroup> groups;
+    std::uint64_t longest = 0;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const MovedPiece& piece = pieces[i];
+        if (groups.empty() || groups.back().length + piece.length > longest) {
+            groups.push_back({.firstPiece = i, .pieceCount = 0, .length = 0});
+            longest = piece.down >= direct ? std::min(piece.down, staged) : staged;
         }
+        ++groups.back().pieceCount;
         groups.back().length += piece.length;
-        groups.back().ownerCount += piece.ownerCount;
     }
     return groups;
 }

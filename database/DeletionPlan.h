@@ -20,8 +20,8 @@ struct RemovedRecord {
     std::uint32_t entry = 0;
 };
 
-/// Bytes that stay, from one record to the next. `firstOwner` and `ownerCount` name the records that begin
-/// here in `DeletionPlan::kept`; bytes that belong to nobody have none.
+/// Bytes that stay, from the start of a record to the start of another one. `firstOwner` and `ownerCount` name
+/// the records that begin in them in `DeletionPlan::kept`; bytes that belong to nobody have none.
 struct MovedPiece {
     std::uint64_t from = 0;
     std::uint64_t length = 0;
@@ -37,11 +37,18 @@ struct DeletionPlan {
     std::uint64_t newLength = 0;
 };
 
-/// Joins neighbouring pieces that move equally far, so that few large copies do. A group that moves less far
-/// than `direct` bytes is at most `staged` long, any other one at most as long as it moves far, so that it
-/// does not overlap itself; a single longer piece is a group of its own.
-std::vector<MovedPiece> JoinPieces(std::span<const MovedPiece> pieces, std::uint64_t direct,
-                                   std::uint64_t staged);
+/// Neighbouring pieces that move in one step.
+struct MovedGroup {
+    std::size_t firstPiece = 0;
+    std::size_t pieceCount = 0;
+    std::uint64_t length = 0;  // of all together
+};
+
+/// Groups neighbouring pieces, so that few large steps do. A group is at most `staged` bytes long; one whose
+/// first piece moves at least `direct` bytes far is also no longer than that is far, so that its new place
+/// and its old one have nothing in common. A single longer piece is a group of its own.
+std::vector<MovedGroup> GroupPieces(std::span<const MovedPiece> pieces, std::uint64_t direct,
+                                    std::uint64_t staged);
 
 /// `records` are those of all ordinary entries that have one, in entry order; `isGone` says for each entry
 /// whether it is deleted. A record reaches to the one of the next entry, the last one to the file's end.

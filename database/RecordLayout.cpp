@@ -67,10 +67,15 @@ std::vector<std::byte> BuildRecord(const NewRecord& record)
         out.Bytes(record.bytes);
         return out.Take();
     }
-    const std::uint32_t unit = UnitBytes(FormatFromGl(record.header.glFormat));
-    const auto frame = record.allowRunLength ? RleEncode(record.bytes, unit) : std::nullopt;
-    if (frame)
-        out.U32(static_cast<std::uint32_t>(frame->size())).Bytes(*frame);
+    std::optional<std::vector<std::byte>> made;
+    std::span<const std::byte> frame;
+    if (record.allowRunLength && record.runLengthFrame)
+        frame = *record.runLengthFrame;
+    else if (record.allowRunLength &&
+             (made = RleEncode(record.bytes, UnitBytes(FormatFromGl(record.header.glFormat)))))
+        frame = *made;
+    if (!frame.empty())
+        out.U32(static_cast<std::uint32_t>(frame.size())).Bytes(frame);
     else
         out.U32(static_cast<std::uint32_t>(record.bytes.size() + kMarkerWord)).U32(0).Bytes(record.bytes);
     return out.Take();

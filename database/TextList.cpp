@@ -135,13 +135,20 @@ TextList ParseTextList(std::span<const std::byte> bytes)
 std::vector<std::byte> SerializeTextList(std::span<const TextureCategory> categories,
                                          std::span<TextureEntry> entries)
 {
+    return SerializeTextList(categories, entries, std::vector<bool>(entries.size()));
+}
+
+std::vector<std::byte> SerializeTextList(std::span<const TextureCategory> categories,
+                                         std::span<TextureEntry> entries, const std::vector<bool>& isGone)
+{
     constexpr std::size_t kUsualLine = 80;
     std::vector<std::byte> out;
     out.reserve((categories.size() + entries.size()) * kUsualLine);
     for (const TextureCategory& category : categories)
         AppendLine(out, CategoryLine(category));
-    for (TextureEntry& entry : entries)
-        AppendLine(out, EntryLine(entry));
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (!isGone[i])
+            AppendLine(out, EntryLine(entries[i]));
     return out;
 }
 

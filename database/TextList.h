@@ -35,6 +35,9 @@ TextList ParseTextList(std::span<const std::byte> bytes);
 /// generated.
 std::vector<std::byte> SerializeTextList(std::span<const TextureCategory> categories,
                                          std::span<TextureEntry> entries);
+/// The same without the entries that `isGone` marks.
+std::vector<std::byte> SerializeTextList(std::span<const TextureCategory> categories,
+                                         std::span<TextureEntry> entries, const std::vector<bool>& isGone);
 
 /// True when the line, trimmed, is read back in one piece.
 bool LineFits(std::string_view line);

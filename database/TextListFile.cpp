@@ -42,6 +42,7 @@ void CTextListFile::Close()
 {
     Discard();
     m_pFile.reset();
+    m_nOwnLength.reset();
 }
 
 std::optional<std::vector<std::byte>> CTextListFile::Read() const
@@ -73,12 +74,14 @@ bool CTextListFile::Prepare(std::span<const std::byte> text)
     if (!WriteNewFile(m_rFiles, beside, text))
         return false;
     m_sPrepared = beside;
+    m_nPreparedLength = text.size();
     return true;
 }
 
 bool CTextListFile::Commit()
 {
     const auto prepared = std::exchange(m_sPrepared, {});
+    m_nOwnLength.reset();
     CopyPermissions(m_sTarget, prepared);
     // A file that is open cannot be replaced on every system.
     m_pFile.reset();
@@ -86,6 +89,8 @@ bool CTextListFile::Commit()
     if (!replaced)
         m_rFiles.Remove(prepared);
     m_pFile = m_rFiles.Open(m_sTarget, OpenMode::ReadWrite);
+    if (replaced && m_pFile)
+        m_nOwnLength = m_nPreparedLength;
     return replaced;
 }
 
@@ -94,4 +99,16 @@ void CTextListFile::Discard()
     if (!m_sPrepared.empty())
         m_rFiles.Remove(m_sPrepared);
     m_sPrepared.clear();
+}
+
+bool CTextListFile::Append(std::span<const std::byte> text)
+{
+    if (!m_pFile || !m_nOwnLength || m_pFile->Size() != *m_nOwnLength)
+        return false;
+    if (!m_pFile->WriteAt(*m_nOwnLength, text)) {
+        m_pFile->Resize(*m_nOwnLength);
+        return false;
+    }
+    *m_nOwnLength += text.size();
+    return true;
 }

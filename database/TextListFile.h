@@ -1,8 +1,10 @@
 #pragma once
 
-// The TXT list on disk. It is held open between rewrites, so that nobody else writes to it, and is only ever
-// replaced whole: the new text is written to a file beside it, which then takes its place in one step.
+// The TXT list on disk. It is held open between rewrites, so that nobody else writes to it, and what it holds
+// is only ever replaced whole: the new text is written to a file beside it, which then takes its place in one
+// step. To a text of our own, lines can also be added at the end.
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -38,6 +40,10 @@ public:
     bool Commit();
     void Discard();
 
+    /// Adds text at the end of what the last Commit put into place. False when the file does not hold just
+    /// that any more, or the text cannot be written; nothing has changed then.
+    bool Append(std::span<const std::byte> text);
+
 private:
     bool KeepCopy();
 
@@ -47,4 +53,6 @@ private:
     std::filesystem::path m_sPrepared;
     std::unique_ptr<IFile> m_pFile;
     bool m_bCopyDue = false;
+    std::uint64_t m_nPreparedLength = 0;
+    std::optional<std::uint64_t> m_nOwnLength;  // of the file, as long as all of it is text of ours
 };

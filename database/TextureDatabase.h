@@ -35,6 +35,15 @@ struct NewRecord {
     std::span<const std::byte> bytes;
     StreamMode mode = StreamMode::Raw;
     bool allowRunLength = false;
+    /// What RleEncode makes of `bytes`, where that is known already; empty when it gains nothing.
+    std::optional<std::span<const std::byte>> runLengthFrame = std::nullopt;
+};
+
+/// A property of an entry and the value that it gets.
+struct PropertyChange {
+    std::uint32_t index = 0;
+    Property property = Property::Name;
+    std::uint32_t value = 0;
 };
 
 /// A record and where it goes.
@@ -136,6 +145,9 @@ public:
     /// True when appended; a failed write leaves the file as long as it was. A raster also gets its place in
     /// the table of contents.
     bool AppendRecord(CacheIndex cache, RecordKind kind, const NewRecord& record);
+    /// One more word "none" at the end of the table of contents, for an entry without a raster in this cache.
+    /// False when it cannot be written; nothing has changed then.
+    bool AppendNoRaster(CacheIndex cache);
     /// Default thumbnails (1x1, grey) for every ordinary entry, in place of the `.tmb`, which is kept as
     /// `.tmb.bak`.
     bool WriteDefaultThumbnails(CacheIndex cache, StreamMode mode);
@@ -151,6 +163,9 @@ public:
     void Save();
     /// Throws CError when the line would grow past what the list's reader takes. Does not write the list.
     void ChangeProperty(std::uint32_t index, Property property, std::uint32_t value);
+    /// Makes the changes in the order given and saves once. All or none: when a line would grow too long or
+    /// the list cannot be written, every entry is as before.
+    void ChangeProperties(std::span<const PropertyChange> changes);
     void AddCategory(std::wstring name);
     void SetCategory(std::uint32_t index, const TextureCategory& category);
     bool RenameCategory(std::uint32_t index, const std::wstring& name);
@@ -174,5 +189,21 @@ public:
     class CImpl;
 
 private:
+    friend class CStoringMany;
     std::unique_ptr<CImpl> m_pImpl;
+};
+
+/// For tools that store many textures in a row, an object that exists meanwhile: StoreTexture and AddAlias
+/// then add their line at the end of the list instead of writing all of it anew, which a large list would
+/// make slow. What is on the disk is as complete after each texture as without it; only whether the device
+/// holds it is not waited for, so the tool ends with Save.
+class CStoringMany {
+public:
+    explicit CStoringMany(CTextureDatabase& database);
+    ~CStoringMany();
+    CStoringMany(const CStoringMany&) = delete;
+    CStoringMany& operator=(const CStoringMany&) = delete;
+
+private:
+    CTextureDatabase& m_rDatabase;
 };

@@ -30,6 +30,7 @@ bool CTextureDatabase::CImpl::ReadList()
     if (!text)
         return false;
     TextList list = ParseTextList(*text);
+    m_bListIsCurrent = false;
     m_aEntries = std::move(list.entries);
     m_aCategories = std::move(list.categories);
     m_oNames.Forget();
@@ -56,24 +57,43 @@ void CTextureDatabase::CImpl::RequireEverything() const
 
 void CTextureDatabase::CImpl::PrepareList(std::span<TextureEntry> entries)
 {
+    PrepareListText(SerializeTextList(m_aCategories, entries));
+}
+
+void CTextureDatabase::CImpl::PrepareListWithout(const std::vector<bool>& isGone)
+{
+    PrepareListText(SerializeTextList(m_aCategories, m_aEntries, isGone));
+}
+
+void CTextureDatabase::CImpl::PrepareListText(std::span<const std::byte> text)
+{
     // Category lines are generated anew, so one may have grown past what is read back.
     for (const TextureCategory& category : m_aCategories)
         if (!LineFits(CategoryLine(category)))
             throw CError(std::wstring(DatabaseText::kLineTooLong));
-    if (!m_oList.Prepare(SerializeTextList(m_aCategories, entries)))
+    if (!m_oList.Prepare(text))
         ReportDatabaseError(m_rPrompt, L"Unable to rebuild TXT file", kNone, __LINE__, ErrorKind::Fatal);
 }
 
 void CTextureDatabase::CImpl::CommitList()
 {
+    m_bListIsCurrent = false;
     if (!m_oList.Commit())
         ReportDatabaseError(m_rPrompt, L"Unable to rebuild TXT file", kNone, __LINE__, ErrorKind::Fatal);
+    m_bListIsCurrent = true;
 }
 
 void CTextureDatabase::CImpl::RewriteList()
 {
     PrepareList(m_aEntries);
     CommitList();
+}
+
+void CTextureDatabase::CImpl::WriteLastLine()
+{
+    const bool mayAppend = m_nStoringMany != 0 && m_bListIsCurrent;
+    if (!mayAppend || !m_oList.Append(SerializeTextList({}, std::span(m_aEntries).last(1))))
+        RewriteList();
 }
 
 std::uint32_t CTextureDatabase::CImpl::LoadRasterOffsets(CacheIndex cache)

@@ -56,8 +56,13 @@ public:
     void RequireEverything() const;
     /// Writes the new list beside the old one, or reports that it cannot be rewritten.
     void PrepareList(std::span<TextureEntry> entries);
+    void PrepareListWithout(const std::vector<bool>& isGone);
+    void PrepareListText(std::span<const std::byte> text);
     void CommitList();
     void RewriteList();
+    /// Brings the entry appended last into the list: by its line alone while many are stored and the list is
+    /// known to hold all others, else by a rewrite.
+    void WriteLastLine();
 
     // ---- Caches ----
 
@@ -111,6 +116,9 @@ public:
     IPrompt& m_rPrompt;
     StreamMode m_eForced;
     CTextListFile m_oList;
+    /// The list holds the lines of all entries and categories as they are in memory. False is always safe.
+    bool m_bListIsCurrent = false;
+    unsigned m_nStoringMany = 0;
     bool m_bListLostText = false;
     std::vector<TextureEntry> m_aEntries;
     std::vector<TextureCategory> m_aCategories;

@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "database/CopyPieces.h"
 #include "database/DeletionPlan.h"
 #include "database/FileTools.h"
 #include "database/TextureDatabaseImpl.h"
@@ -16,15 +17,53 @@
 
 namespace {
 
-// Records that move at least this far are copied straight down in pieces of that length; where the gap is
-// smaller, longer pieces by way of a copy behind the end take fewer steps.
+// Records that move at least this far are copied straight down in steps of that length; where the gap is
+// smaller, longer steps by way of a copy behind the end are fewer.
 constexpr std::uint64_t kDirectMove = std::uint64_t{1} << 16;
-constexpr std::uint64_t kStagedMove = std::uint64_t{1} << 22;
+constexpr std::uint64_t kStagedMove = std::uint64_t{1} << 19;
 
 [[noreturn]] void ThrowCannotWrite()
 {
     throw CError(std::wstring(DatabaseText::kCannotWrite));
 }
+
+/// Words of a table that are written at once; those between them are written as they are.
+class CWordRange {
+public:
+    void Add(std::uint32_t entry)
+    {
+        m_nFirst = std::min(m_nFirst, entry);
+        m_nLast = std::max(m_nLast, entry);
+    }
+    bool Write(CacheSlot& slot) const
+    {
+        return m_nFirst == kNone || WriteTableWords(slot, m_nFirst, std::size_t{m_nLast} - m_nFirst + 1);
+    }
+
+private:
+    std::uint32_t m_nFirst = kNone;
+    std::uint32_t m_nLast = 0;
+};
+
+/// Gives the entries the places of the tables in memory, however far moving the records came.
+class CPlacesInStep {
+public:
+    explicit CPlacesInStep(CTextureDatabase::CImpl& state) : m_rState(state) {}
+    CPlacesInStep(const CPlacesInStep&) = delete;
+    CPlacesInStep& operator=(const CPlacesInStep&) = delete;
+    ~CPlacesInStep()
+    {
+        for (std::size_t i = 0; i < m_rState.m_aEntries.size(); ++i) {
+            TextureEntry& entry = m_rState.m_aEntries[i];
+            for (std::size_t cache = 0; cache < kCacheCount && !entry.IsAlias(); ++cache)
+                if (const auto& offsets = m_rState.m_aSlots[cache].offsets; i < offsets.size())
+                    entry.datOffset[cache] = offsets[i];
+        }
+    }
+
+private:
+    CTextureDatabase::CImpl& m_rState;
+};
 
 }  // namespace
 
@@ -32,16 +71,28 @@ CTextureDeletion::CTextureDeletion(CTextureDatabase::CImpl& state, std::vector<b
                                    IProgress& progress)
     : m_rState(state), m_aGone(std::move(isGone)), m_rProgress(progress)
 {
+    std::array<std::vector<PlacedRecord>, kCacheCount> rasters;
+    std::array<std::vector<PlacedRecord>, kCacheCount> thumbnails;
+    for (const CacheIndex cache : kAllCaches) {
+        rasters[SlotOf(cache)].reserve(state.Slot(cache).dat ? state.Count() : 0);
+        thumbnails[SlotOf(cache)].reserve(state.Slot(cache).hasThumbnails ? state.Count() : 0);
+    }
+    for (std::uint32_t i = 0; i < state.Count(); ++i) {
+        const TextureEntry& entry = state.m_aEntries[i];
+        for (std::size_t cache = 0; cache < kCacheCount && !entry.IsAlias(); ++cache) {
+            if (entry.datOffset[cache] != kNone)
+                rasters[cache].push_back({.offset = entry.datOffset[cache], .entry = i});
+            if (entry.tmbOffset[cache] != kNone)
+                thumbnails[cache].push_back({.offset = entry.tmbOffset[cache], .entry = i});
+        }
+    }
     for (const CacheIndex cache : kAllCaches) {
         const CacheSlot& slot = state.Slot(cache);
         if (slot.dat)
-            m_aRasters[SlotOf(cache)] = Plan(cache, RecordKind::Raster, slot.dat->Size());
+            m_aRasters[SlotOf(cache)] = Plan(cache, *slot.dat, rasters[SlotOf(cache)]);
         if (slot.dat && slot.tmb && slot.hasThumbnails)
-            m_aThumbnails[SlotOf(cache)] = Plan(cache, RecordKind::Thumbnail, slot.tmb->Size());
+            m_aThumbnails[SlotOf(cache)] = Plan(cache, *slot.tmb, thumbnails[SlotOf(cache)]);
     }
-    for (std::size_t i = 0; i < state.m_aEntries.size(); ++i)
-        if (!m_aGone[i])
-            m_aRemaining.push_back(state.m_aEntries[i]);
 }
 
 CTextureDeletion::~CTextureDeletion()
@@ -52,18 +103,12 @@ CTextureDeletion::~CTextureDeletion()
     m_rState.m_oList.Discard();
 }
 
-DeletionPlan CTextureDeletion::Plan(CacheIndex cache, RecordKind kind, std::uint64_t fileBytes)
+DeletionPlan CTextureDeletion::Plan(CacheIndex cache, const IFile& file,
+                                    std::span<const PlacedRecord> records)
 {
-    std::vector<PlacedRecord> records;
-    for (std::uint32_t i = 0; i < m_rState.Count(); ++i) {
-        const TextureEntry& entry = m_rState.m_aEntries[i];
-        const std::uint32_t offset = CTextureDatabase::CImpl::OffsetOf(entry, cache, kind);
-        if (!entry.IsAlias() && offset != kNone)
-            records.push_back({.offset = offset, .entry = i});
-    }
-    auto plan = PlanDeletion(records, m_aGone, fileBytes);
+    auto plan = PlanDeletion(records, m_aGone, file.Size());
     if (plan)
-        return *plan;
+        return std::move(*plan);
     std::wstring text = L"Wrong texture size given [value].";
     if (m_rState.ForcedModeLooksWrong(cache))
         text += L" The chosen game does not fit the cache.";
@@ -72,7 +117,7 @@ DeletionPlan CTextureDeletion::Plan(CacheIndex cache, RecordKind kind, std::uint
 
 void CTextureDeletion::Prepare()
 {
-    m_rState.PrepareList(m_aRemaining);
+    m_rState.PrepareListWithout(m_aGone);
     for (const CacheIndex cache : kAllCaches)
         if (m_aThumbnails[SlotOf(cache)])
             PrepareThumbnails(cache, *m_aThumbnails[SlotOf(cache)]);
@@ -95,10 +140,8 @@ void CTextureDeletion::PrepareThumbnails(CacheIndex cache, const DeletionPlan& p
         ThrowCannotWrite();
     prepared = beside;
     const MovedPiece& first = plan.moved.front();
-    bool written = CopyBytes(*slot.tmb, 0, first.from - first.down, *file, 0);
-    for (const MovedPiece& piece : plan.moved)
-        written = written && CopyBytes(*slot.tmb, piece.from, piece.length, *file, piece.from - piece.down);
-    if (!written)
+    const std::uint64_t start = first.from - first.down;
+    if (!CopyBytes(*slot.tmb, 0, start, *file, 0) || !CopyPieces(*slot.tmb, plan.moved, *file, start))
         ThrowCannotWrite();
 }
 
@@ -115,6 +158,7 @@ void CTextureDeletion::PrepareTable(CacheIndex cache)
 
 void CTextureDeletion::MoveRecords()
 {
+    const CPlacesInStep places(m_rState);
     for (const CacheIndex cache : kAllCaches)
         if (m_aRasters[SlotOf(cache)])
             MoveRecordsOf(cache, *m_aRasters[SlotOf(cache)]);
@@ -125,66 +169,95 @@ void CTextureDeletion::MoveRecordsOf(CacheIndex cache, const DeletionPlan& plan)
     CacheSlot& slot = m_rState.Slot(cache);
     const std::uint64_t oldEnd = slot.dat->Size();
     std::size_t forgotten = 0;
-    std::uint32_t done = 0;
-    for (const MovedPiece& piece : JoinPieces(plan.moved, kDirectMove, kStagedMove)) {
-        const std::uint64_t to = piece.from - piece.down;
-        for (; forgotten < plan.removed.size() && plan.removed[forgotten].offset < to + piece.length;
-             ++forgotten)
-            Forget(cache, plan.removed[forgotten].entry);
-        std::uint64_t from = piece.from;
-        if (piece.ownerCount != 0 && piece.length > piece.down && oldEnd + piece.length < kNone) {
-            // It would overwrite its own beginning. A copy behind the end stands in for it meanwhile.
-            if (!CopyBytes(*slot.dat, from, piece.length, *slot.dat, oldEnd)) {
-                slot.dat->Resize(oldEnd);
-                ThrowCannotWrite();
-            }
-            PlaceOwners(cache, plan, piece, oldEnd);
-            from = oldEnd;
-        }
-        if (!CopyBytes(*slot.dat, from, piece.length, *slot.dat, to))
-            ThrowCannotWrite();
-        PlaceOwners(cache, plan, piece, to);
-        done += static_cast<std::uint32_t>(piece.ownerCount);
-        if (piece.ownerCount != 0)
-            m_rProgress.Report(done, static_cast<std::uint32_t>(plan.kept.size()),
-                               m_rState.m_aEntries[plan.kept[piece.firstOwner].entry].name);
+    for (const MovedGroup& group : GroupPieces(plan.moved, kDirectMove, kStagedMove)) {
+        const MovedPiece& first = plan.moved[group.firstPiece];
+        const std::uint64_t end = first.from - first.down + group.length;
+        const std::size_t firstForgotten = forgotten;
+        while (forgotten < plan.removed.size() && plan.removed[forgotten].offset < end)
+            ++forgotten;
+        Forget(cache, std::span(plan.removed).subspan(firstForgotten, forgotten - firstForgotten));
+        MoveGroup(cache, plan, group, oldEnd);
+        const MovedPiece& last = plan.moved[group.firstPiece + group.pieceCount - 1];
+        const std::size_t done = last.firstOwner + last.ownerCount;
+        if (done != 0)
+            m_rProgress.Report(static_cast<std::uint32_t>(done), static_cast<std::uint32_t>(plan.kept.size()),
+                               m_rState.m_aEntries[plan.kept[done - 1].entry].name);
     }
     if (slot.dat->Size() > oldEnd)
         slot.dat->Resize(oldEnd);
 }
 
-void CTextureDeletion::PlaceOwners(CacheIndex cache, const DeletionPlan& plan, const MovedPiece& piece,
-                                   std::uint64_t place)
+void CTextureDeletion::MoveGroup(CacheIndex cache, const DeletionPlan& plan, const MovedGroup& group,
+                                 std::uint64_t oldEnd)
 {
-    if (piece.ownerCount == 0)
-        return;
-    CacheSlot& slot = m_rState.Slot(cache);
-    std::uint32_t first = kNone;
-    std::uint32_t last = 0;
-    for (const PlacedRecord& record : std::span(plan.kept).subspan(piece.firstOwner, piece.ownerCount)) {
-        const auto offset = static_cast<std::uint32_t>(place + (record.offset - piece.from));
-        slot.offsets[record.entry] = offset;
-        m_rState.m_aEntries[record.entry].datOffset[SlotOf(cache)] = offset;
-        first = std::min(first, record.entry);
-        last = std::max(last, record.entry);
+    IFile& dat = *m_rState.Slot(cache).dat;
+    const auto pieces = std::span(plan.moved).subspan(group.firstPiece, group.pieceCount);
+    const std::uint64_t to = pieces.front().from - pieces.front().down;
+    const bool overlapsItself = to + group.length > pieces.front().from;
+    const bool hasOwners = pieces.back().firstOwner + pieces.back().ownerCount > pieces.front().firstOwner;
+    if (hasOwners && overlapsItself && oldEnd + group.length < kNone) {
+        // It would overwrite its own beginning. A copy behind the end stands in for it meanwhile.
+        if (!CopyPieces(dat, pieces, dat, oldEnd)) {
+            dat.Resize(oldEnd);
+            ThrowCannotWrite();
+        }
+        PlaceOwners(cache, plan, pieces, oldEnd);
+        if (!CopyBytes(dat, oldEnd, group.length, dat, to))
+            ThrowCannotWrite();
+    } else if (!CopyPieces(dat, pieces, dat, to)) {
+        ThrowCannotWrite();
     }
-    // The words between them are written as they are.
-    if (!WriteTableWords(slot, first, std::size_t{last} - first + 1))
+    PlaceOwners(cache, plan, pieces, to);
+}
+
+void CTextureDeletion::PlaceOwners(CacheIndex cache, const DeletionPlan& plan,
+                                   std::span<const MovedPiece> pieces, std::uint64_t place)
+{
+    CacheSlot& slot = m_rState.Slot(cache);
+    CWordRange changed;
+    for (const MovedPiece& piece : pieces) {
+        for (const PlacedRecord& record : std::span(plan.kept).subspan(piece.firstOwner, piece.ownerCount)) {
+            const auto offset = static_cast<std::uint32_t>(place + (record.offset - piece.from));
+            slot.offsets[record.entry] = offset;
+            changed.Add(record.entry);
+        }
+        place += piece.length;
+    }
+    if (!changed.Write(slot))
         ThrowCannotWrite();
 }
 
-void CTextureDeletion::Forget(CacheIndex cache, std::uint32_t entry)
+void CTextureDeletion::Forget(CacheIndex cache, std::span<const RemovedRecord> records)
 {
     CacheSlot& slot = m_rState.Slot(cache);
-    slot.offsets[entry] = kNone;
-    m_rState.m_aEntries[entry].datOffset[SlotOf(cache)] = kNone;
-    if (!WriteTableWords(slot, entry, 1))
+    CWordRange changed;
+    for (const RemovedRecord& record : records) {
+        slot.offsets[record.entry] = kNone;
+        changed.Add(record.entry);
+    }
+    if (!changed.Write(slot))
         ThrowCannotWrite();
+}
+
+// In memory; the files follow in Finish.
+void CTextureDeletion::PlaceThumbnails()
+{
+    for (const CacheIndex cache : kAllCaches) {
+        const auto& plan = m_aThumbnails[SlotOf(cache)];
+        if (!plan)
+            continue;
+        for (const MovedPiece& piece : plan->moved)
+            for (const PlacedRecord& record :
+                 std::span(plan->kept).subspan(piece.firstOwner, piece.ownerCount))
+                m_rState.m_aEntries[record.entry].tmbOffset[SlotOf(cache)] =
+                    static_cast<std::uint32_t>(record.offset - piece.down);
+    }
 }
 
 void CTextureDeletion::Commit(std::optional<std::uint32_t> heir)
 {
     m_rState.CommitList();
+    PlaceThumbnails();
     // From here on the list has the new entries, and everything else is brought in line with it as far as it
     // goes.
     std::vector<std::uint32_t> newIndex(m_aGone.size(), kNone);
@@ -227,17 +300,25 @@ FailedDeletionStep CTextureDeletion::Finish()
                  FailedDeletionStep::Table);
             note(slot.dat->Resize(length), FailedDeletionStep::Rasters);
         }
-        if (!m_aPreparedThumbnails[index].empty()) {
-            const auto prepared = std::exchange(m_aPreparedThumbnails[index], {});
-            note(ReplaceOpenFile(m_rState.m_rFiles, prepared, slot.tmbPath, slot.tmb),
-                 FailedDeletionStep::Thumbnails);
-        } else if (m_aThumbnails[index]) {
-            note(slot.tmb->Resize(m_aThumbnails[index]->newLength), FailedDeletionStep::Thumbnails);
-        }
-        if (slot.dat)
+        const bool hadThumbnails = m_aThumbnails[index].has_value();
+        const bool worked = !hadThumbnails || FinishThumbnails(cache);
+        note(worked, FailedDeletionStep::Thumbnails);
+        // Their places are known as long as rasters and thumbnails went in pairs.
+        const bool arePlaced =
+            hadThumbnails && worked && m_aThumbnails[index]->kept.size() == m_rState.CountRasters(cache);
+        if (slot.dat && !arePlaced)
             m_rState.LoadThumbnailOffsets(cache);
     }
     return failed;
+}
+
+bool CTextureDeletion::FinishThumbnails(CacheIndex cache)
+{
+    CacheSlot& slot = m_rState.Slot(cache);
+    const auto prepared = std::exchange(m_aPreparedThumbnails[SlotOf(cache)], {});
+    if (prepared.empty())
+        return slot.tmb->Resize(m_aThumbnails[SlotOf(cache)]->newLength);
+    return ReplaceOpenFile(m_rState.m_rFiles, prepared, slot.tmbPath, slot.tmb);
 }
 
 bool CTextureDatabase::DeleteEntry(std::uint32_t index, std::optional<std::uint32_t> replacement)

@@ -1,6 +1,7 @@
 // Edits of the list: properties, categories, names, aliases.
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -61,13 +62,39 @@ void CTextureDatabase::Save()
 
 void CTextureDatabase::ChangeProperty(std::uint32_t index, Property property, std::uint32_t value)
 {
-    m_pImpl->RequireList();
-    TextureEntry& entry = m_pImpl->At(index);
+    CImpl& state = *m_pImpl;
+    state.RequireList();
+    TextureEntry& entry = state.At(index);
     TextureEntry changed = entry;
     EntryLine(changed);
     SetProperty(changed, property, value);
     RequireLineFits(changed);
+    state.m_bListIsCurrent = false;
     entry = std::move(changed);
+}
+
+void CTextureDatabase::ChangeProperties(std::span<const PropertyChange> changes)
+{
+    CImpl& state = *m_pImpl;
+    state.RequireList();
+    std::map<std::uint32_t, TextureEntry> others;
+    for (const PropertyChange& change : changes) {
+        TextureEntry& changed = others.try_emplace(change.index, state.At(change.index)).first->second;
+        EntryLine(changed);
+        SetProperty(changed, change.property, change.value);
+        RequireLineFits(changed);
+    }
+    const auto exchangeAll = [&state, &others] {
+        for (auto& [index, entry] : others)
+            std::swap(state.At(index), entry);
+    };
+    exchangeAll();
+    try {
+        Save();
+    } catch (...) {
+        exchangeAll();
+        throw;
+    }
 }
 
 void CTextureDatabase::AddCategory(std::wstring name)

@@ -98,6 +98,18 @@ bool CTextureDatabase::AppendRecord(CacheIndex cache, RecordKind kind, const New
     return true;
 }
 
+bool CTextureDatabase::AppendNoRaster(CacheIndex cache)
+{
+    CRestorePoint restore(m_pImpl->m_aSlots);
+    try {
+        AppendOffset(m_pImpl->Slot(cache), kNone);
+    } catch (const CError&) {
+        return false;
+    }
+    restore.Complete();
+    return true;
+}
+
 void CTextureDatabase::StoreTexture(std::optional<TextureEntry> entry,
                                     std::span<const PreparedRecord> records)
 {
@@ -138,7 +150,7 @@ void CTextureDatabase::CImpl::AppendEntry(const TextureEntry& entry)
             AppendOffset(Slot(cache), entry.IsAlias() ? kNone : entry.datOffset[SlotOf(cache)]);
     m_aEntries.push_back(entry);
     try {
-        RewriteList();
+        WriteLastLine();
     } catch (...) {
         m_aEntries.pop_back();
         throw;
@@ -191,4 +203,14 @@ bool CTextureDatabase::CImpl::TakeLastThumbnail(CacheIndex cache)
     last.tmbOffset[index] = static_cast<std::uint32_t>(start);
     last.thumbHeader[index] = probe.header;
     return true;
+}
+
+CStoringMany::CStoringMany(CTextureDatabase& database) : m_rDatabase(database)
+{
+    ++m_rDatabase.m_pImpl->m_nStoringMany;
+}
+
+CStoringMany::~CStoringMany()
+{
+    --m_rDatabase.m_pImpl->m_nStoringMany;
 }

@@ -8,6 +8,7 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "database/DeletionPlan.h"
@@ -35,18 +36,20 @@ public:
     FailedDeletionStep Finish();
 
 private:
-    DeletionPlan Plan(CacheIndex cache, RecordKind kind, std::uint64_t fileBytes);
+    DeletionPlan Plan(CacheIndex cache, const IFile& file, std::span<const PlacedRecord> records);
     void PrepareThumbnails(CacheIndex cache, const DeletionPlan& plan);
     void PrepareTable(CacheIndex cache);
     void MoveRecordsOf(CacheIndex cache, const DeletionPlan& plan);
-    void PlaceOwners(CacheIndex cache, const DeletionPlan& plan, const MovedPiece& piece,
+    void MoveGroup(CacheIndex cache, const DeletionPlan& plan, const MovedGroup& group, std::uint64_t oldEnd);
+    void PlaceOwners(CacheIndex cache, const DeletionPlan& plan, std::span<const MovedPiece> pieces,
                      std::uint64_t place);
-    void Forget(CacheIndex cache, std::uint32_t entry);
+    void Forget(CacheIndex cache, std::span<const RemovedRecord> records);
+    void PlaceThumbnails();
+    bool FinishThumbnails(CacheIndex cache);
 
     CTextureDatabase::CImpl& m_rState;
     std::vector<bool> m_aGone;
     IProgress& m_rProgress;
-    std::vector<TextureEntry> m_aRemaining;
     std::array<std::optional<DeletionPlan>, kCacheCount> m_aRasters;
     std::array<std::optional<DeletionPlan>, kCacheCount> m_aThumbnails;
     std::array<std::filesystem::path, kCacheCount> m_aPreparedThumbnails;

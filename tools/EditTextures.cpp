@@ -91,11 +91,26 @@ void MoveToCategory(CTextureDatabase& database, std::uint32_t category,
         const auto aliases = AliasesOf(database, index);
         moved.insert(moved.end(), aliases.begin(), aliases.end());
     }
+    std::vector<PropertyChange> changes;
+    changes.reserve(moved.size());
     for (const std::uint32_t index : moved)
-        CheckLineWith(database.Entry(index), Property::Cat, category);
-    for (const std::uint32_t index : moved)
-        database.ChangeProperty(index, Property::Cat, category);
-    database.Save();
+        changes.push_back({index, Property::Cat, category});
+    database.ChangeProperties(changes);
+}
+
+std::vector<std::uint32_t> WithTheirAliases(CTextureDatabase& database,
+                                            std::span<const std::uint32_t> indices)
+{
+    std::vector<bool> isIncluded(database.EntryCount());
+    for (const std::uint32_t index : indices)
+        isIncluded[index] = true;
+    std::vector<std::uint32_t> result;
+    for (std::uint32_t index = 0; index < database.EntryCount(); ++index) {
+        const std::uint32_t target = database.AliasTarget(index);
+        if (isIncluded[index] || (target != kNone && isIncluded[target]))
+            result.push_back(index);
+    }
+    return result;
 }
 
 void DeleteTextures(CTextureDatabase& database, std::span<const std::uint32_t> indices,

@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "base/Progress.h"
 #include "database/TextureDatabase.h"
@@ -29,6 +30,11 @@ void RenameTexture(CTextureDatabase& database, std::uint32_t index, const std::w
 /// Moves the textures and all their aliases into a category and saves.
 void MoveToCategory(CTextureDatabase& database, std::uint32_t category,
                     std::span<const std::uint32_t> indices);
+
+/// The entries and every alias that stands for one of them, in index order without repetition: what deleting
+/// the entries without a new target removes.
+std::vector<std::uint32_t> WithTheirAliases(CTextureDatabase& database,
+                                            std::span<const std::uint32_t> indices);
 
 /// Deletes the entries and, unless they get a new target, their aliases. Indices are those before the
 /// deletion.

@@ -1,30 +1,15 @@
 #include "tools/ExportPictures.h"
 
 #include <new>
-#include <set>
 
 #include "base/Format.h"
 #include "base/Text.h"
 #include "codec/CodecMessages.h"
+#include "tools/UniqueNames.h"
 
 namespace {
 
 constexpr std::wstring_view kForbidden = L"\\/:*?\"<>|";
-
-/// Gives out file names, each only once. Case does not count, because it does not on every file system.
-class CUniqueNames {
-public:
-    std::wstring Take(const std::wstring& wanted)
-    {
-        std::wstring name = wanted;
-        for (std::uint32_t number = 2; !m_aTaken.insert(ToLowerAscii(name)).second; ++number)
-            name = wanted + L"_" + std::to_wstring(number);
-        return name;
-    }
-
-private:
-    std::set<std::wstring> m_aTaken;
-};
 
 void NoteFailure(ExportCounts& counts, const std::wstring& text)
 {

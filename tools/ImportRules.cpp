@@ -61,11 +61,14 @@ std::optional<StreamMode> GameOfDatabase(CTextureDatabase& database)
     return std::nullopt;
 }
 
+std::optional<StreamMode> CGameChoice::WithoutAsking(CTextureDatabase& database) const
+{
+    return m_eAnswer ? m_eAnswer : GameOfDatabase(database);
+}
+
 std::optional<StreamMode> CGameChoice::For(CTextureDatabase& database)
 {
-    if (m_eAnswer)
-        return m_eAnswer;
-    if (const auto game = GameOfDatabase(database))
+    if (const auto game = WithoutAsking(database))
         return game;
     switch (m_rPrompt.Show({.text = std::wstring(kGameQuestion),
                             .caption = L"Mavrel",
@@ -84,9 +87,8 @@ std::optional<StreamMode> CGameChoice::For(CTextureDatabase& database)
     return m_eAnswer;
 }
 
-PreparedTexture PrepareByRules(CTextureDatabase& database, const CPluginTable& plugins,
-                               const ISettings& settings, const CBitmap& picture, const std::wstring& name,
-                               const ImportRequest& request, StreamMode game)
+ImportTarget TargetByRules(const CTextureDatabase& database, const ISettings& settings,
+                           const std::wstring& name, const ImportRequest& request, StreamMode game)
 {
     ImportTarget target;
     target.name = name;
@@ -95,9 +97,23 @@ PreparedTexture PrepareByRules(CTextureDatabase& database, const CPluginTable& p
     target.streamMode = game;
     target.forcedEncoder = EncoderByRules(database, settings, request.category, request.format);
     target.category = request.category;
+    target.cache = request.cache;
     target.replaced = request.replaced;
     target.pngHash = request.pngHash;
-    return PrepareTexture(database, plugins, settings, picture, target);
+    return target;
+}
+
+PreparedTexture PrepareByRules(CTextureDatabase& database, const CPluginTable& plugins,
+                               const ISettings& settings, const CBitmap& picture, const std::wstring& name,
+                               const ImportRequest& request, StreamMode game,
+                               std::optional<EarlyTexture> early)
+{
+    const ImportTarget target = TargetByRules(database, settings, name, request, game);
+    PreparedTexture prepared = PrepareTexture(database, plugins, settings, picture, target, std::move(early));
+    // A list may hold names that no new line can repeat.
+    if (prepared.duplicateOf)
+        CheckTextureName(*prepared.duplicateOf);
+    return prepared;
 }
 
 StoreResult StoreByRules(CTextureDatabase& database, PreparedTexture prepared, const ImportRequest& request)

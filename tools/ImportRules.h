@@ -26,6 +26,8 @@ class CGameChoice {
 public:
     explicit CGameChoice(IPrompt& prompt) : m_rPrompt(prompt) {}
     std::optional<StreamMode> For(CTextureDatabase& database);
+    /// The same without the question.
+    std::optional<StreamMode> WithoutAsking(CTextureDatabase& database) const;
 
 private:
     IPrompt& m_rPrompt;
@@ -38,16 +40,24 @@ struct ImportRequest {
     bool storeRgba8888 = false;
     std::optional<CacheIndex> format = std::nullopt;  // fixed by the command
     std::uint32_t category = 0;
+    /// Nothing: every open cache, and a new entry. A cache: only its records.
+    std::optional<CacheIndex> cache = std::nullopt;
     /// The entry that the new texture takes the place of; whoever stores the texture deletes it first.
     std::optional<std::uint32_t> replaced = std::nullopt;
     /// The hash of the source file, when it is to be kept.
     std::uint32_t pngHash = 0;
 };
 
+/// What the request means for the next texture, by settings and database.
+ImportTarget TargetByRules(const CTextureDatabase& database, const ISettings& settings,
+                           const std::wstring& name, const ImportRequest& request, StreamMode game);
+
 /// The first half of ImportByRules: everything that can be refused. Throws CError; nothing has changed then.
+/// `early`: see PrepareTexture.
 PreparedTexture PrepareByRules(CTextureDatabase& database, const CPluginTable& plugins,
                                const ISettings& settings, const CBitmap& picture, const std::wstring& name,
-                               const ImportRequest& request, StreamMode game);
+                               const ImportRequest& request, StreamMode game,
+                               std::optional<EarlyTexture> early = std::nullopt);
 /// The second half. A texture that became an alias gets the requested category.
 StoreResult StoreByRules(CTextureDatabase& database, PreparedTexture prepared, const ImportRequest& request);
 

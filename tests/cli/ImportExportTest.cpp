@@ -4,6 +4,7 @@
 #include "image/BitmapTools.h"
 #include "image/ImageFile.h"
 #include "tests/cli/CommandRunner.h"
+#include "tests/support/DatabaseBuilder.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -52,6 +53,30 @@ TEST_F(ImportExport, EveryCacheStoresItsOwnFormat)
           "\"format\": \"PVRTC2\", \"width\": 32, \"height\": 32",
           "\"format\": \"RGBA 565\", \"width\": 32, \"height\": 8"})
         EXPECT_NE(json.find(part), std::string::npos) << part << "\n" << json;
+}
+
+TEST_F(ImportExport, TheNumberOfJobsChangesNoFile)
+{
+    for (int i = 0; i < 6; ++i) {
+        CBitmap picture = Gradient(32, 32);
+        picture.Pixels()[static_cast<std::size_t>(i) * 4] ^= 0xFF;
+        SavePicture(m_oFolder / ("p" + std::to_string(i) + ".png"), picture);
+    }
+    std::vector<FileBytes> results;
+    for (const wchar_t* jobs : {L"1", L"2", L"7"}) {
+        const std::string name = "jobs" + std::to_string(results.size());
+        std::filesystem::create_directory(m_oFolder / name);
+        const std::wstring list = (m_oFolder / name / "textures.txt").wstring();
+        ASSERT_EQ(RunCommand({L"new", list}).code, ExitCode::Done);
+        const auto imported =
+            RunCommand({L"--game", L"sa", L"--jobs", jobs, L"--yes", L"import", list, Path("wall.png"),
+                        Path("p0.png"), Path("p1.png"), Path("p2.png"), Path("missing.png"), Path("p3.png"),
+                        Path("p0.png"), Path("p4.png"), Path("p5.png"), Path("wide.png")});
+        EXPECT_EQ(imported.out, "9 imported, 0 aliased, 0 skipped, 1 failed\n") << imported.err;
+        results.push_back(FilesOf(m_oFolder / name));
+    }
+    EXPECT_EQ(results[1], results[0]);
+    EXPECT_EQ(results[2], results[0]);
 }
 
 TEST_F(ImportExport, TheSamePictureAgainBecomesAnAlias)

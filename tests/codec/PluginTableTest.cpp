@@ -142,6 +142,36 @@ TEST_F(PluginTable, KnowsWhichPluginsMayRunOnSeveralThreads)
     EXPECT_FALSE(m_oTable.Plugins().at(2).threadSafe);
 }
 
+TEST_F(PluginTable, HoldsOneLockForAllCachesOfAPluginThatMustNotRunTwice)
+{
+    Place("second", "a");
+    Discover();
+    m_oTable.Bind(CacheIndex::Dxt, 0);
+    m_oTable.Bind(CacheIndex::Etc1, 0);
+    std::mutex* const held = m_oTable.OneAtATime(CacheIndex::Dxt);
+    ASSERT_NE(held, nullptr);
+    EXPECT_EQ(m_oTable.OneAtATime(CacheIndex::Etc1), held);
+    const auto lock = LockCodec(held);
+    EXPECT_TRUE(lock.owns_lock());
+}
+
+TEST_F(PluginTable, NeedsNoLockForAPluginThatMayRunTwice)
+{
+    Place("build415", "a");
+    Discover();
+    m_oTable.Bind(CacheIndex::Dxt, 0);
+    EXPECT_EQ(m_oTable.OneAtATime(CacheIndex::Dxt), nullptr);
+    EXPECT_FALSE(LockCodec(nullptr).owns_lock());
+}
+
+TEST_F(PluginTable, LocksFunctionsOfTheProgramUnlessTheyMayRunTwice)
+{
+    m_oTable.BindFunctions(CacheIndex::Dxt, nullptr, nullptr);
+    EXPECT_NE(m_oTable.OneAtATime(CacheIndex::Dxt), nullptr);
+    m_oTable.BindFunctions(CacheIndex::Dxt, nullptr, nullptr, CodecThreading::Free);
+    EXPECT_EQ(m_oTable.OneAtATime(CacheIndex::Dxt), nullptr);
+}
+
 TEST_F(PluginTable, SupportsACacheOnlyWithBothEntryPoints)
 {
     Place("compress_only", "a");

@@ -165,13 +165,59 @@ TEST(DeletionPlan, MovesWhatStaysDownOverTheGaps)
     const auto plan = PlanDeletion(records, {true, false, true, false, false}, 150);
     ASSERT_TRUE(plan);
     EXPECT_EQ(plan->newLength, 110U);
-    ASSERT_EQ(plan->moved.size(), 3U);
+    ASSERT_EQ(plan->moved.size(), 2U);
     EXPECT_EQ(plan->moved[0].from, 10U);
     EXPECT_EQ(plan->moved[0].down, 10U);
     EXPECT_EQ(plan->moved[0].length, 20U);
-    EXPECT_EQ(plan->moved[2].from, 100U);
-    EXPECT_EQ(plan->moved[2].down, 40U);
-    EXPECT_EQ(plan->moved[2].length, 50U);
+    EXPECT_EQ(plan->moved[0].firstOwner, 0U);
+    EXPECT_EQ(plan->moved[0].ownerCount, 1U);
+    EXPECT_EQ(plan->moved[1].from, 60U);
+    EXPECT_EQ(plan->moved[1].down, 40U);
+    EXPECT_EQ(plan->moved[1].length, 90U);
+    EXPECT_EQ(plan->moved[1].firstOwner, 1U);
+    EXPECT_EQ(plan->moved[1].ownerCount, 2U);
+}
+
+TEST(DeletionPlan, MovesALongRecordAloneAndShortOnesTogether)
+{
+    const std::vector<PlacedRecord> records = {{0, 0}, {10, 1}, {20, 2}, {30, 3}, {200030, 4}, {200040, 5}};
+    const auto plan = PlanDeletion(records, {true, false, false, false, false, false}, 200050);
+    ASSERT_TRUE(plan);
+    ASSERT_EQ(plan->moved.size(), 3U);
+    EXPECT_EQ(plan->moved[0].length, 20U);
+    EXPECT_EQ(plan->moved[0].ownerCount, 2U);
+    EXPECT_EQ(plan->moved[1].from, 30U);
+    EXPECT_EQ(plan->moved[1].length, 200000U);
+    EXPECT_EQ(plan->moved[1].ownerCount, 1U);
+    EXPECT_EQ(plan->moved[2].length, 20U);
+    EXPECT_EQ(plan->moved[2].firstOwner, 3U);
+}
+
+TEST(DeletionPlan, KeepsRecordsAtOnePlaceInOnePiece)
+{
+    const std::vector<PlacedRecord> records = {{0, 0}, {10, 1}, {10, 2}, {70000, 3}};
+    const auto plan = PlanDeletion(records, {true, false, false, false}, 140000);
+    ASSERT_TRUE(plan);
+    ASSERT_EQ(plan->moved.size(), 2U);
+    EXPECT_EQ(plan->moved[0].ownerCount, 2U);
+    EXPECT_EQ(plan->moved[0].length, 69990U);
+    EXPECT_EQ(plan->moved[1].ownerCount, 1U);
+}
+
+TEST(DeletionPlan, GroupsPiecesSoThatNoDirectStepReachesIntoItself)
+{
+    const std::vector<MovedPiece> pieces = {
+        {.from = 10, .length = 30, .down = 10},   {.from = 50, .length = 50, .down = 20},
+        {.from = 200, .length = 40, .down = 120}, {.from = 240, .length = 60, .down = 120},
+        {.from = 300, .length = 70, .down = 120}, {.from = 370, .length = 500, .down = 120}};
+    const auto groups = GroupPieces(pieces, 100, 110);
+    ASSERT_EQ(groups.size(), 4U);
+    EXPECT_EQ(groups[0].pieceCount, 2U) << "staged, up to 110 bytes";
+    EXPECT_EQ(groups[0].length, 80U);
+    EXPECT_EQ(groups[1].firstPiece, 2U);
+    EXPECT_EQ(groups[1].length, 100U) << "direct, but no longer than a staged one";
+    EXPECT_EQ(groups[2].length, 70U);
+    EXPECT_EQ(groups[3].length, 500U) << "a piece that is longer than any group";
 }
 
 TEST(DeletionPlan, CutsTheLastRecordOffWithoutMovingAnything)

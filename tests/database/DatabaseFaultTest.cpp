@@ -62,6 +62,17 @@ std::vector<FaultCase> FaultCases()
              return true;
          },
          {L"new"}},
+        {"StoreMany",
+         [](CTextureDatabase& d) {
+             const CStoringMany many(d);
+             const auto raster = Pixels(0x66);
+             const PreparedRecord record = Picture(RecordKind::Raster, raster, 4);
+             for (const wchar_t* name : {L"new", L"newer", L"newest"})
+                 d.StoreTexture(MakeEntry({.name = name}), {&record, 1});
+             d.Save();
+             return true;
+         },
+         {L"new", L"newer", L"newest"}},
         {"DeleteFirst", [](CTextureDatabase& d) { return d.DeleteEntry(1, std::nullopt); }, {L"brick"}},
         {"DeleteWithAliases",
          [](CTextureDatabase& d) { return d.DeleteEntry(2, std::nullopt); },

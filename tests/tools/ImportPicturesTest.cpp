@@ -311,6 +311,51 @@ TEST_F(ImportPictures, KeepsTheOldTextureWhenTheNewLineWouldBeTooLong)
     EXPECT_EQ(ShadeOf(0), 1);
 }
 
+TEST(ImportPicturesOnAFullDisk, LosesNothingInALongRunOnSeveralThreads)
+{
+    CTemporaryFolder pictures;
+    std::vector<std::filesystem::path> files;
+    for (std::uint8_t shade = 1; shade <= 4; ++shade) {
+        files.push_back(pictures / ("shade" + std::to_string(shade) + ".png"));
+        ASSERT_TRUE(
+            SaveImageFile(files.back(), SolidPicture(8, 8, shade, shade, shade, 255), ImageFormat::Png));
+    }
+    const std::span others = std::span(files).subspan(1);
+    bool succeeded = false;
+    for (std::uint32_t writes = 0; !succeeded && writes < 300; ++writes) {
+        CTemporaryFolder folder;
+        CFaultyFileSystem disk(100000);
+        CScriptedPrompt prompt({PromptAnswer::Yes, PromptAnswer::Yes, PromptAnswer::Yes});
+        CNoProgress progress;
+        CMemorySettings settings;
+        CPluginTable plugins;
+        const std::array caches = {CacheIndex::Dxt, CacheIndex::Unc};
+        {
+            CTextureDatabase database(StreamMode::Framed, disk, prompt);
+            ASSERT_TRUE(database.Create(folder / "list.txt", caches));
+            CPictureImporter importer(database, plugins, settings, prompt, progress, {.jobs = 3});
+            ASSERT_EQ(importer.Run({files.front()}, {}).imported, 1U);
+            disk.Allow(writes);
+            try {
+                succeeded =
+                    importer.Run({others.begin(), others.end()}, {}).imported == 3 && !disk.HasFailed();
+            } catch (const CError&) {
+                succeeded = false;
+            }
+        }
+        CTextureDatabase reopened(StreamMode::Framed, DiskFileSystem(), prompt);
+        reopened.Open(folder / "list.txt");
+        ASSERT_GE(reopened.EntryCount(), succeeded ? 4U : 1U) << writes;
+        EXPECT_EQ(reopened.Entry(0).name, L"shade1");
+        for (const CacheIndex cache : caches) {
+            if (!reopened.IsTocValid(cache))
+                reopened.RebuildToc(cache);
+            EXPECT_TRUE(reopened.ReadRaster(0, cache, RecordKind::Raster)) << writes;
+        }
+    }
+    EXPECT_TRUE(succeeded);
+}
+
 TEST(ImportPicturesOnAFullDisk, LosesNothingThatWasThereBefore)
 {
     bool succeeded = false;
