@@ -4,14 +4,17 @@
 #include <array>
 #include <windowsx.h>
 
+#include "app/ErrorBox.h"
 #include "app/SettingToggles.h"
 #include "app/Splash.h"
 #include "app/WindowPlacement.h"
 #include "app/resource.h"
 #include "base/Format.h"
 #include "base/Text.h"
+#include "tools/EditProperties.h"
 #include "tools/TextureFacts.h"
 #include "ui/Dpi.h"
+#include "ui/DroppedFiles.h"
 #include "ui/Theme.h"
 
 namespace {
@@ -34,6 +37,14 @@ constexpr int kGameDropHeight = 120;
 constexpr int kTreePictureSide = 16;
 constexpr std::array kPaneWidths = {130, 150, 60, 100, 60, 60};
 
+// Its keys edit the text: Ctrl+X cuts and Del deletes a character.
+bool IsTextField(HWND window)
+{
+    std::array<wchar_t, 8> name{};
+    ::GetClassNameW(window, name.data(), static_cast<int>(name.size()));
+    return ::lstrcmpiW(name.data(), L"Edit") == 0;
+}
+
 RECT Place(LONG left, LONG top, LONG width, LONG height)
 {
     return {left, top, left + std::max(width, 0L), top + std::max(height, 0L)};
@@ -44,15 +55,20 @@ RECT Place(LONG left, LONG top, LONG width, LONG height)
 CDlgMain::CDlgMain(const MainWindowParts& parts)
     : CDialog(IDD_MAIN),
       m_oParts(parts),
-      m_oPluginMenu(parts.plugins, parts.settings, parts.resources, parts.prompt)
+      m_oPluginMenu(parts.plugins, parts.settings, parts.resources, parts.prompt),
+      m_oRecentFiles(parts.settings)
 {
     const int splashTime = parts.settings.ReadInt(L"global", L"show_loading_screen", kDefaultSplashTime);
     if (splashTime > 0)
         ShowSplash(parts.resources.Program(), splashTime);
     BindMessages();
+    BindTree();
     BindFileCommands();
+    BindImportCommands();
+    BindEditCommands();
     BindViewCommands();
     BindOptionCommands();
+    BindHostMessages();
 }
 
 void CDlgMain::BindMessages()
@@ -82,7 +98,20 @@ void CDlgMain::BindMessages()
     messages.OnCommand(IDOK, [this] { OnReturnKey(); });
     // Esc closes dialogs, and this is one; the main window stays.
     messages.OnCommand(IDCANCEL, [] {});
+    messages.OnMessage(WM_DROPFILES, [this](WPARAM wParam, LPARAM) {
+        OnDropFiles(wParam);
+        return 0;
+    });
     messages.OnControl(IDC_GAME, CBN_SELCHANGE, [this] { SetGame(m_oGameList.Current()); });
+    messages.OnNotify(IDC_TABS, static_cast<UINT>(TCN_SELCHANGE), [this](NMHDR&) {
+        OnTabChanged();
+        return 0;
+    });
+}
+
+void CDlgMain::BindTree()
+{
+    CMessageMap& messages = Messages();
     messages.OnNotify(IDC_TREE, TVN_SELCHANGEDW, [this](NMHDR&) {
         m_oTree.Control().HandleSelChanged();
         return 0;
@@ -91,8 +120,18 @@ void CDlgMain::BindMessages()
         OnTreeDrawsItem(reinterpret_cast<NMTVDISPINFOW&>(header).item);  // NOLINT: what the code carries
         return 0;
     });
-    messages.OnNotify(IDC_TABS, static_cast<UINT>(TCN_SELCHANGE), [this](NMHDR&) {
-        OnTabChanged();
+    messages.OnNotify(IDC_TREE, TVN_KEYDOWN, [this](NMHDR& header) {
+        if (reinterpret_cast<NMTVKEYDOWN&>(header).wVKey == VK_F2)  // NOLINT: what the code carries
+            StartRename();
+        return 0;
+    });
+    messages.OnNotify(IDC_TREE, TVN_BEGINLABELEDITW, [this](NMHDR&) { return MayEditLabel() ? 0 : 1; });
+    messages.OnNotify(IDC_TREE, TVN_ENDLABELEDITW, [this](NMHDR& header) {
+        OnLabelEdited(reinterpret_cast<NMTVDISPINFOW&>(header).item);  // NOLINT: as above
+        return 0;
+    });
+    messages.OnMessage(kApplyLabelMessage, [this](WPARAM, LPARAM) {
+        ApplyLabel();
         return 0;
     });
 }
@@ -104,6 +143,7 @@ void CDlgMain::BindFileCommands()
     messages.OnCommand(ID_OPEN, [this] { AskAndOpen(); });
     messages.OnCommand(ID_CLOSE, [this] { CloseByCommand(); });
     messages.OnCommand(ID_RELOAD, [this] { Reload(); });
+    messages.OnCommandRange(ID_RECENT_FIRST, ID_RECENT_LAST, [this](UINT id) { OpenRecent(id); });
     messages.OnCommand(ID_EXIT, [this] { Exit(); });
     messages.OnCommand(ID_FIND, [this] { Find(); });
     messages.OnCommand(ID_FIND_NEXT, [this] { FindNext(); });
@@ -116,10 +156,33 @@ void CDlgMain::BindFileCommands()
     messages.OnCommand(ID_ABOUT, [this] { m_oParts.dialogs.ShowAbout(); });
 }
 
+void CDlgMain::BindEditCommands()
+{
+    CMessageMap& messages = Messages();
+    messages.OnCommand(ID_NEW_CATEGORY, [this] { AddCategory(); });
+    messages.OnCommand(ID_NEW_CATEGORY_HERE, [this] { AddCategoryForFocused(); });
+    messages.OnCommandRange(ID_CATEGORY_FIRST, ID_CATEGORY_LAST,
+                            [this](UINT id) { MoveSelectionToCategory(id); });
+    messages.OnCommandRange(ID_CATEGORY_PROPERTY, ID_CATEGORY_PROPERTY_LAST,
+                            [this](UINT id) { ChangeCategoryProperty(id); });
+    for (const UINT id : {ID_RENAME_TEXTURE, ID_RENAME_CATEGORY})
+        messages.OnCommand(id, [this] { StartRename(); });
+    messages.OnCommand(ID_CREATE_ALIAS, [this] { AskAndCreateAlias(); });
+    messages.OnCommand(ID_SHOW_ALIASES, [this] { ShowRelations(RelationKind::Aliases); });
+    messages.OnCommand(ID_SHOW_SIBLINGS, [this] { ShowRelations(RelationKind::Siblings); });
+    messages.OnCommand(ID_GO_TO_ORIGINAL, [this] { GoToOriginal(); });
+    messages.OnCommand(ID_DELETE_TEXTURE, [this] { DeleteSelectedTextures(); });
+    messages.OnCommand(ID_DELETE_CATEGORY, [this] { DeleteFocusedCategory(); });
+    messages.OnCommand(ID_DELETE_SELECTED, [this] { DeleteSelected(); });
+    messages.OnCommandRange(ID_DETAIL_NONE, ID_DETAIL_LAST, [this](UINT id) { SetSelectionDetail(id); });
+    messages.OnCommandRange(ID_TEXTURE_PROPERTY, ID_TEXTURE_PROPERTY_LAST,
+                            [this](UINT id) { ChangeSelectionProperty(id); });
+}
+
 void CDlgMain::BindViewCommands()
 {
     CMessageMap& messages = Messages();
-    messages.OnCommandRange(ID_RENDERER_STATIC, ID_RENDERER_GDIPLUS, [this](UINT id) { ChooseRenderer(id); });
+    messages.OnCommandRange(ID_RENDERER_STATIC, ID_RENDERER_DIRECT, [this](UINT id) { ChooseRenderer(id); });
     messages.OnCommandRange(ID_BACKGROUND_NONE, ID_BACKGROUND_COLOR,
                             [this](UINT id) { ChooseBackground(id); });
     messages.OnCommand(ID_SET_BACKGROUND_COLOR, [this] { ChooseBackgroundColor(); });
@@ -127,10 +190,7 @@ void CDlgMain::BindViewCommands()
     messages.OnCommand(ID_THUMBNAILS, [this] { ToggleThumbnails(); });
     messages.OnCommand(ID_NEXT_TAB, [this] { StepTab(1); });
     messages.OnCommand(ID_PREVIOUS_TAB, [this] { StepTab(-1); });
-    messages.OnCommand(ID_LANGUAGE_ENGLISH, [this] {
-        m_oParts.settings.Delete(L"global", L"lang");
-        Status(String(IDS_LANGUAGE_CHANGED));
-    });
+    messages.OnCommandRange(ID_LANGUAGE_ENGLISH, ID_LANGUAGE_LAST, [this](UINT id) { ChooseLanguage(id); });
 }
 
 void CDlgMain::BindOptionCommands()
@@ -150,6 +210,7 @@ void CDlgMain::BindOptionCommands()
 bool CDlgMain::Open()
 {
     CPreview::Register(m_oParts.resources.Program(), CPreview::kClassName);
+    CPropertiesPanel::Register(m_oParts.resources.Program(), CPropertiesPanel::kClassName);
     if (!Create(m_oParts.resources.Current(), nullptr))
         return false;
     ::ShowWindow(Handle(), SW_SHOWDEFAULT);
@@ -160,17 +221,18 @@ bool CDlgMain::Open()
 bool CDlgMain::OnInit()
 {
     CreateControls();
-    CreateMenu();
+    LoadMenu();
     m_hIcon = m_oParts.resources.Icon(IDI_MAVREL, false);
     m_hSmallIcon = m_oParts.resources.Icon(IDI_MAVREL, true);
     Send(WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(m_hIcon.get()));  // NOLINT: as the message is defined
     Send(WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hSmallIcon.get()));  // NOLINT: as above
-    m_hAccelerators = m_oParts.resources.Accelerators(IDR_ACCELERATORS);
 
     // Deliberate: every run starts with GDI+, whatever was chosen in the last one.
     m_oParts.settings.WriteInt(L"render", L"type", ID_RENDERER_GDIPLUS - ID_RENDERER_STATIC);
     ApplyPreviewSettings();
     RestoreWindowPlace(*this, m_oParts.settings);
+    if (const auto change = m_oParts.languages.LoadFromSettings())
+        ShowLanguage(*change);
     Close();
     Status(String(IDS_READY));
     Layout();
@@ -178,23 +240,10 @@ bool CDlgMain::OnInit()
     return false;
 }
 
-void CDlgMain::CreateMenu()
-{
-    m_hMenu = m_oParts.resources.Menu(IDR_MAIN_MENU);
-    const CMenu options = *Menu().PopupWith(ID_DISABLE_LOGO);
-    m_nFixedOptions = options.Count();
-    m_oPluginMenu.Rebuild(options, m_nFixedOptions);
-    ShowToggles(Menu(), m_oParts.settings);
-    Menu().CheckRadio(ID_LANGUAGE_ENGLISH, ID_LANGUAGE_LAST, ID_LANGUAGE_ENGLISH);
-    ShowGame(m_oParts.settings.ReadInt(L"global", L"game", 0));
-    ::SetMenu(Handle(), m_hMenu.get());
-}
-
 void CDlgMain::CreateControls()
 {
     m_oGameList.Attach(Child(IDC_GAME).Handle());
-    for (const StreamMode game : {StreamMode::Auto, StreamMode::Raw, StreamMode::Framed})
-        m_oGameList.Append(std::wstring(GameName(game)));
+    FillGameList();
 
     CTreeCtrlEx& tree = m_oTree.Control();
     tree.TakeOver(Child(IDC_TREE).Handle());
@@ -209,6 +258,8 @@ void CDlgMain::CreateControls()
     if (m_oParts.settings.IsOn(L"global", L"show_thumbs", false))
         m_oTreePictures.Attach(tree, CScale(DpiOf(Handle()))(kTreePictureSide));
 
+    CreateProperties();
+
     m_oTabs.Attach(Child(IDC_TABS).Handle());
     for (const CacheIndex cache : kAllCaches)
         m_oTabs.Append(ToUpperAscii(CacheInfix(cache)) + L"       ");
@@ -217,6 +268,34 @@ void CDlgMain::CreateControls()
 
     m_oStatus.Create(Handle(), IDC_STATUS);
     m_oProgress.Create(m_oStatus, IDC_PROGRESS);
+    m_oProgress.SetText(String(IDS_PROGRESS));
+    AcceptDroppedFiles(Handle());
+}
+
+void CDlgMain::FillGameList()
+{
+    m_oGameList.Clear();
+    for (const StreamMode game : {StreamMode::Auto, StreamMode::Raw, StreamMode::Framed})
+        m_oGameList.Append(Translated(GameName(game)));
+}
+
+void CDlgMain::CreateProperties()
+{
+    m_oProperties.Create(Handle(), IDC_PROPERTIES, m_oParts.resources, m_oTree.Control().Handle());
+    // Called from inside window procedures, which nothing may be thrown through.
+    m_oProperties.OnTextureEdit([this](std::uint32_t index, Property property, std::uint32_t value) {
+        Attempt([&] { ChangeProperty({{index}}, property, value); });
+        ShowProperties();
+    });
+    m_oProperties.OnCategoryEdit(
+        [this](std::uint32_t category, CategoryProperty property, std::int32_t value) {
+            Attempt([&] { ::ChangeCategoryProperty(*m_pDatabase, category, property, value); });
+            ShowProperties();
+        });
+    m_oProperties.OnFoldChanged([this] {
+        Layout();
+        ShowProperties();
+    });
 }
 
 void CDlgMain::ApplyPreviewSettings()
@@ -226,10 +305,7 @@ void CDlgMain::ApplyPreviewSettings()
                         m_oParts.settings.ReadInt(L"render", L"background_color", kDefaultBackgroundColor)) &
                     0xFFFFFF;
     m_oPreview.SetOptions(options);
-    const int last = static_cast<int>(BackgroundMode::SingleColor);
-    const int mode = std::clamp(m_oParts.settings.ReadInt(L"render", L"background", last), 0, last);
-    m_oPreview.SetBackground(static_cast<BackgroundMode>(mode));
-    Menu().CheckRadio(ID_BACKGROUND_NONE, ID_BACKGROUND_COLOR, ID_BACKGROUND_NONE + static_cast<UINT>(mode));
+    ShowBackground();
 }
 
 void CDlgMain::Layout()
@@ -257,13 +333,27 @@ void CDlgMain::Layout()
 
     const RECT bar = m_oStatus.ClientRect();
     const LONG treeTop = std::max<LONG>(scale(kTabsTop), listTop + listHeight + gap);
-    m_oTree.Control().Move(
-        Place(gap, treeTop, columnRight - gap, client.bottom - bar.bottom - scale(kTreeGap) - treeTop));
+    const LONG columnHeight = client.bottom - bar.bottom - scale(kTreeGap) - treeTop;
+    LayoutColumn(Place(gap, treeTop, columnRight - gap, columnHeight));
 
     const RECT tabs = Place(scale(kTabsLeft), scale(kTabsTop), client.right - scale(kTabsRightAndLeft),
                             client.bottom - scale(kTabsTopAndBottom));
     m_oTabs.Move(tabs);
     m_oPreview.Move(m_oTabs.DisplayArea(tabs));
+}
+
+void CDlgMain::LayoutColumn(const RECT& column)
+{
+    const LONG width = column.right - column.left;
+    const LONG height = column.bottom - column.top;
+    const LONG properties = m_oProperties.PreferredHeight(height);
+    const LONG tree = height - properties - CScale(DpiOf(Handle()))(kTreeGap);
+    m_oTree.Control().Move(Place(column.left, column.top, width, tree));
+    m_oProperties.Move(Place(column.left, column.bottom - properties, width, properties));
+    // The status bar has moved across the column before, and a control takes what it sees along when it
+    // moves.
+    for (const HWND control : {m_oTree.Control().Handle(), m_oProperties.Handle()})
+        ::RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void CDlgMain::OnTreeDrawsItem(TVITEMW& item)
@@ -284,7 +374,7 @@ void CDlgMain::OnMinMaxInfo(MINMAXINFO& info) const
 void CDlgMain::OnDpiChanged(const RECT& place)
 {
     CFontHandle font = MessageFont(DpiOf(Handle()));
-    for (const int id : {IDC_GAME_LABEL, IDC_GAME, IDC_TREE, IDC_TABS, IDC_STATUS})
+    for (const int id : {IDC_GAME_LABEL, IDC_GAME, IDC_TREE, IDC_PROPERTIES, IDC_TABS, IDC_STATUS})
         Child(id).Send(WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);  // NOLINT: the message's form
     m_hFont = std::move(font);
     Move(place);
@@ -300,7 +390,11 @@ bool CDlgMain::PreTranslate(MSG& message)
         return true;
     }
     const bool isOurs = message.hwnd == Handle() || ::IsChild(Handle(), message.hwnd) != FALSE;
-    return isOurs && ::TranslateAcceleratorW(Handle(), m_hAccelerators.get(), &message) != 0;
+    // The Del key is meant for the tree.
+    const bool isLost =
+        message.message == WM_KEYDOWN && message.wParam == VK_DELETE && m_oProperties.HasFocus();
+    return isOurs && !isLost && !IsTextField(message.hwnd) &&
+           ::TranslateAcceleratorW(Handle(), m_hAccelerators.get(), &message) != 0;
 }
 
 void CDlgMain::Attempt(const std::function<void()>& step)
@@ -322,37 +416,7 @@ bool CDlgMain::AcceptsCommands() const
 void CDlgMain::OnException()
 {
     m_oProgress.Hide();
-    try {
-        throw;
-    } catch (const CError& error) {
-        if (!error.WasShown())
-            m_oParts.prompt.ShowError(error.Text());
-    } catch (const std::exception& error) {
-        m_oParts.prompt.ShowError(FromUtf8(error.what()));
-    }
-}
-
-void CDlgMain::OnContextMenu(HWND from, POINT place)
-{
-    const CTreeCtrlEx& tree = m_oTree.Control();
-    if (from != tree.Handle() || tree.Caret() == nullptr)
-        return;
-    if (place.x == -1 && place.y == -1) {
-        // Asked for with the keyboard: below the focused item.
-        const RECT item = tree.ItemRect(tree.Caret());
-        place = {item.left, item.bottom};
-        ::ClientToScreen(tree.Handle(), &place);
-    }
-    const TreeSelection selection = m_oTree.Selection();
-    int menu = IDR_SEVERAL_TEXTURES_MENU;
-    if (selection.items <= 1) {
-        // The group of textures without a category is no category.
-        if (!selection.focused && !selection.category)
-            return;
-        menu = selection.focused ? IDR_ONE_TEXTURE_MENU : IDR_CATEGORY_MENU;
-    }
-    const CMenuHandle loaded = m_oParts.resources.Menu(menu);
-    CMenu(loaded.get()).Popup(0).Track(Handle(), place);
+    ShowCurrentException(m_oParts.prompt);
 }
 
 void CDlgMain::OnReturnKey()

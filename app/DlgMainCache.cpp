@@ -11,9 +11,6 @@
 
 namespace {
 
-// Commands that work only while a database is open. What the program does not do yet stays disabled for good.
-constexpr std::array<UINT, 3> kLoadedCommands = {ID_CLOSE, ID_FIND, ID_EXPORT_ALL};
-
 constexpr wchar_t kListExtension[] = L"txt";
 
 StreamMode ForcedModeOf(int game)
@@ -37,26 +34,16 @@ bool CDlgMain::HasDatabaseOrSaysSo()
     return m_pDatabase != nullptr;
 }
 
-void CDlgMain::EnableLoadedCommands(bool loaded)
-{
-    for (const UINT command : kLoadedCommands)
-        Enable(command, loaded);
-    m_oGameList.Enable(loaded);
-}
-
 void CDlgMain::Close()
 {
     m_oTree.Clear();
     m_oPreview.ShowBitmap(std::nullopt);
     m_pDatabase.reset();
     ClearFacts();
-    EnableLoadedCommands(false);
-    Enable(ID_FIND_NEXT, false);
-    // Deliberate: the tree always shows categories; the item says so from now on and cannot be chosen.
-    Enable(ID_SHOW_CATEGORIES, false);
-    Menu().Check(ID_SHOW_CATEGORIES, true);
-    ApplyRenderer();
-    SetText(Format(String(IDS_TITLE_EMPTY), BuildNumber()));
+    ShowProperties();
+    m_bHasSearched = false;
+    ShowMenuState();
+    ShowEmptyTitle();
 }
 
 void CDlgMain::CloseByCommand()
@@ -75,16 +62,34 @@ void CDlgMain::AskAndOpen()
         return;
     m_oParts.settings.WriteString(L"paths", L"last_open", GetFolder(file->native()));
     Close();
-    OpenByPath(*file);
-    SelectFirstTexture();
+    OpenAndSelect(*file);
 }
 
-void CDlgMain::OpenFromCommandLine(const std::filesystem::path& list)
+void CDlgMain::OpenAndSelect(const std::filesystem::path& chosen)
 {
     Attempt([&] {
-        OpenByPath(list);
+        OpenByPath(chosen);
         SelectFirstTexture();
     });
+}
+
+void CDlgMain::OpenRecent(UINT command)
+{
+    const auto files = m_oRecentFiles.List();
+    const std::size_t position = command - ID_RECENT_FIRST;
+    if (position >= files.size())
+        return;
+    OpenAndSelect(files[position]);
+    if (m_pDatabase)
+        return;
+    m_oRecentFiles.Remove(files[position]);
+    m_oRecentFiles.Show(Menu(), String(IDS_NO_RECENT_FILES));
+}
+
+void CDlgMain::RememberRecent(const std::filesystem::path& list)
+{
+    m_oRecentFiles.Add(list);
+    m_oRecentFiles.Show(Menu(), String(IDS_NO_RECENT_FILES));
 }
 
 void CDlgMain::OpenByPath(const std::filesystem::path& chosen)
@@ -105,6 +110,7 @@ void CDlgMain::OpenByPath(const std::filesystem::path& chosen)
         return;
     }
     // A repair that fails is reported, and the database stays open as it was found.
+    RememberRecent(list);
     if (result == OpenResult::Opened)
         Attempt([&] { opener.OfferFileRepairs(*m_pDatabase, [this] { Status(String(IDS_DONE)); }); });
     FillTree();
@@ -141,6 +147,7 @@ void CDlgMain::AskAndCreate()
     EnableLoadedCommands(true);
     SelectTab(m_pDatabase->PrimaryCache().value_or(CacheIndex::Dxt));
     FillTree();
+    RememberRecent(*file);
     Status(String(IDS_CACHE_CREATED));
 }
 
@@ -148,12 +155,21 @@ void CDlgMain::Reload()
 {
     if (!HasDatabaseOrSaysSo())
         return;
-    const auto focused = m_oTree.Selection().focused;
     // A list that cannot be opened leaves everything as it was, and the tree shows what there is in any case.
     Attempt([this] { m_pDatabase->Reload(); });
+    RefillTree();
+}
+
+void CDlgMain::RefillTree()
+{
+    if (!m_pDatabase)
+        return;
+    const TreeSelection selection = m_oTree.Selection();
     FillTree();
-    if (focused && *focused < m_pDatabase->EntryCount())
-        m_oTree.SelectTexture(*focused);
+    if (selection.focused && *selection.focused < m_pDatabase->EntryCount())
+        m_oTree.SelectTexture(*selection.focused);
+    else if (selection.category)
+        m_oTree.SelectCategory(*selection.category);
 }
 
 void CDlgMain::FillTree()
@@ -162,6 +178,7 @@ void CDlgMain::FillTree()
     m_oTree.Fill(*m_pDatabase, String(IDS_UNKNOWN_CATEGORY), m_oTreePictures.IsOn());
     m_oPreview.ShowBitmap(std::nullopt);
     ClearFacts();
+    ShowProperties();
 }
 
 void CDlgMain::SelectFirstTexture()

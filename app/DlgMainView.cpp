@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "app/DlgMain.h"
 #include "app/resource.h"
 #include "base/Format.h"
@@ -16,8 +18,10 @@ void CDlgMain::OnSelectionChanged()
 {
     if (!m_pDatabase)
         return;
-    const TreeSelection selection = m_oTree.Selection();
+    // The picture first: it is what people wait for.
     DrawSelected();
+    ShowProperties();
+    const TreeSelection selection = m_oTree.Selection();
     if (selection.items > 1)
         Status(Format(String(IDS_ITEMS_SELECTED), static_cast<std::uint32_t>(selection.items)));
     else if (!selection.focused && !selection.focusedText.empty())
@@ -40,12 +44,23 @@ void CDlgMain::DrawSelected()
     } catch (const CError& error) {
         // Said where the picture would be: with a plugin missing, a box for every texture would be in the
         // way.
-        m_oPreview.ShowText(error.Text());
-        Status(error.Text());
+        m_oPreview.ShowText(Translated(error.Text()));
+        Status(Translated(error.Text()));
         return;
     }
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - started;
-    Status(RenderedText(m_pDatabase->Entry(*index).name, elapsed.count()));
+    Status(Translated(RenderedText(m_pDatabase->Entry(*index).name, elapsed.count())));
+}
+
+void CDlgMain::ShowProperties()
+{
+    const TreeSelection selection = m_pDatabase ? m_oTree.Selection() : TreeSelection();
+    if (selection.focused)
+        m_oProperties.ShowTexture(*m_pDatabase, *selection.focused);
+    else if (selection.category)
+        m_oProperties.ShowCategory(*m_pDatabase, *selection.category);
+    else
+        m_oProperties.Clear();
 }
 
 void CDlgMain::ShowFacts(std::uint32_t index)
@@ -53,7 +68,7 @@ void CDlgMain::ShowFacts(std::uint32_t index)
     const TextureFacts facts = FactsOf(*m_pDatabase, index, m_eCache, ShownKind());
     int pane = kFirstFactPane;
     for (const auto& text : {facts.idAndOffset, facts.size, facts.dimensions, facts.game, facts.format})
-        m_oStatus.SetPane(pane++, text);
+        m_oStatus.SetPane(pane++, Translated(text));
 }
 
 void CDlgMain::ClearFacts()
@@ -130,13 +145,21 @@ void CDlgMain::ChooseRenderer(UINT command)
 
 void CDlgMain::ApplyRenderer()
 {
-    // Anything but the plain control is drawn with GDI+.
-    const bool plain = m_oParts.settings.ReadInt(L"render", L"type", 0) == 0;
+    const int stored = m_oParts.settings.ReadInt(L"render", L"type", 0);
+    const bool isKnown = stored >= 0 && stored <= static_cast<int>(PreviewRenderer::DirectX);
     PreviewOptions options = m_oPreview.Options();
-    options.plainControl = plain;
+    options.renderer = isKnown ? static_cast<PreviewRenderer>(stored) : PreviewRenderer::GdiPlus;
     m_oPreview.SetOptions(options);
     Menu().CheckRadio(ID_RENDERER_STATIC, ID_RENDERER_DIRECT,
-                      plain ? ID_RENDERER_STATIC : ID_RENDERER_GDIPLUS);
+                      ID_RENDERER_STATIC + static_cast<UINT>(options.renderer));
+}
+
+void CDlgMain::ShowBackground()
+{
+    const int last = static_cast<int>(BackgroundMode::SingleColor);
+    const int mode = std::clamp(m_oParts.settings.ReadInt(L"render", L"background", last), 0, last);
+    m_oPreview.SetBackground(static_cast<BackgroundMode>(mode));
+    Menu().CheckRadio(ID_BACKGROUND_NONE, ID_BACKGROUND_COLOR, ID_BACKGROUND_NONE + static_cast<UINT>(mode));
 }
 
 void CDlgMain::ToggleStretch()
@@ -150,10 +173,8 @@ void CDlgMain::ToggleStretch()
 
 void CDlgMain::ChooseBackground(UINT command)
 {
-    const int mode = static_cast<int>(command - ID_BACKGROUND_NONE);
-    m_oPreview.SetBackground(static_cast<BackgroundMode>(mode));
-    m_oParts.settings.WriteInt(L"render", L"background", mode);
-    Menu().CheckRadio(ID_BACKGROUND_NONE, ID_BACKGROUND_COLOR, command);
+    m_oParts.settings.WriteInt(L"render", L"background", static_cast<int>(command - ID_BACKGROUND_NONE));
+    ShowBackground();
     DrawSelected();
 }
 
@@ -179,6 +200,7 @@ void CDlgMain::Find()
         return;
     m_sSearch = *text;
     FindNext();
+    m_bHasSearched = true;
     Enable(ID_FIND_NEXT, true);
 }
 

@@ -29,18 +29,27 @@ std::filesystem::path ModulePath(HINSTANCE instance)
     }
 }
 
+std::wstring Argument0(const std::vector<std::wstring>& arguments, const std::filesystem::path& program)
+{
+    return arguments.empty() ? program.native() : arguments.front();
+}
+
 }  // namespace
 
-// Both paths are made absolute before the current directory changes, or they would name other files
-// afterwards.
+// The paths of the command line are made absolute before the current directory changes, or they would name
+// other files afterwards.
 CMavrelApp::CMavrelApp(HINSTANCE instance, const std::vector<std::wstring>& arguments)
-    : m_oResources(instance), m_sProgram(ModulePath(instance)), m_oDialogs(m_oResources)
+    : m_oResources(instance),
+      m_sProgram(ModulePath(instance)),
+      m_pSettings(OpenSettings(SettingsPathOf(Argument0(arguments, m_sProgram)))),
+      m_oTranslator(m_oResources),
+      m_oPrompt(m_oBoxes, m_oTranslator),
+      m_oLanguages(m_oResources, *m_pSettings, m_oPrompt, m_sProgram.parent_path() / L"lang"),
+      m_oDialogs(m_oResources, m_oPrompt)
 {
-    const std::wstring argument0 = arguments.empty() ? m_sProgram.native() : arguments.front();
-    m_pSettings = OpenSettings(SettingsPathOf(argument0));
     if (arguments.size() == 2)
         m_sList = Absolute(arguments[1]);
-    ::SetCurrentDirectoryW(Absolute(argument0).parent_path().c_str());
+    ::SetCurrentDirectoryW(Absolute(Argument0(arguments, m_sProgram)).parent_path().c_str());
 }
 
 void CMavrelApp::WriteRunTimes()
@@ -62,17 +71,18 @@ int CMavrelApp::Run()
     if (FAILED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)))
         return 1;
 
-    CDlgMain window({m_oResources, *m_pSettings, m_oPlugins, DiskFileSystem(), m_oPrompt, m_oDialogs});
+    CDlgMain window({m_oResources, m_oLanguages, m_oTranslator, *m_pSettings, m_oPlugins, DiskFileSystem(),
+                     m_oPrompt, m_oDialogs});
     WriteRunTimes();
     m_oPlugins.Discover(m_sProgram.parent_path() / L"plugins", m_oPrompt);
     m_oPlugins.BindFromSettings(*m_pSettings);
 
     int result = 1;
     if (window.Open()) {
-        m_oPrompt.SetOwner(window);
+        m_oBoxes.SetOwner(window);
         m_oDialogs.SetOwner(window);
         if (m_sList)
-            window.OpenFromCommandLine(*m_sList);
+            window.OpenAndSelect(*m_sList);
         result = static_cast<int>(window.RunLoop());
     }
     ::CoUninitialize();

@@ -1,7 +1,7 @@
 #pragma once
 
-// The application: it owns what lives as long as the process - settings, resources, plugins - and runs the
-// main window.
+// The application: it owns what lives as long as the process - settings, resources, languages, plugins - and
+// runs the main window.
 
 #include <filesystem>
 #include <memory>
@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "app/Languages.h"
 #include "app/Resources.h"
+#include "app/TranslatingPrompt.h"
 #include "app/UserDialogs.h"
 #include "base/Settings.h"
 #include "codec/PluginTable.h"
@@ -30,7 +32,10 @@ private:
     std::filesystem::path m_sProgram;
     std::optional<std::filesystem::path> m_sList;
     std::unique_ptr<ISettings> m_pSettings;
-    CMessageBoxPrompt m_oPrompt;
+    CMessageBoxPrompt m_oBoxes;
+    CMessageTranslator m_oTranslator;
+    CTranslatingPrompt m_oPrompt;
+    CLanguages m_oLanguages;
     CUserDialogs m_oDialogs;
     CPluginTable m_oPlugins;
 };

@@ -55,6 +55,21 @@ POINT PointOf(LPARAM lParam)
     return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
 }
 
+/// Keeps what is drawn inside of a rectangle.
+class CClip {
+public:
+    CClip(HDC target, const RECT& part) : m_hTarget(target)
+    {
+        ::IntersectClipRect(target, part.left, part.top, part.right, part.bottom);
+    }
+    ~CClip() { ::SelectClipRgn(m_hTarget, nullptr); }
+    CClip(const CClip&) = delete;
+    CClip& operator=(const CClip&) = delete;
+
+private:
+    HDC m_hTarget;
+};
+
 // Ends the painting also when memory runs out on the way.
 class CPaintScope {
 public:
@@ -64,6 +79,7 @@ public:
     CPaintScope& operator=(const CPaintScope&) = delete;
 
     HDC Screen() const { return m_hScreen; }
+    const RECT& Part() const { return m_oPaint.rcPaint; }
 
 private:
     PAINTSTRUCT m_oPaint{};
@@ -73,7 +89,9 @@ private:
 
 }  // namespace
 
-CPreview::CPreview()
+CPreview::CPreview(DirectDeviceFactory openDirect)
+    : m_fnOpenDirect(std::move(openDirect)),
+      m_pRenderer(MakePreviewRenderer(m_oOptions.renderer, m_fnOpenDirect))
 {
     CMessageMap& messages = Messages();
     messages.OnMessage(WM_PAINT, [this](WPARAM, LPARAM) {
@@ -113,6 +131,17 @@ CPreview::CPreview()
 
 void CPreview::ShowBitmap(std::optional<CBitmap> bitmap)
 {
+    Show(std::move(bitmap), {});
+}
+
+void CPreview::ShowText(const std::wstring& text)
+{
+    Show(std::nullopt, text);
+}
+
+void CPreview::Show(std::optional<CBitmap> bitmap, const std::wstring& text)
+{
+    RedrawContent();
     const bool sameSize = bitmap && m_oBitmap && bitmap->Width() == m_oBitmap->Width() &&
                           bitmap->Height() == m_oBitmap->Height();
     if (!sameSize) {
@@ -123,22 +152,27 @@ void CPreview::ShowBitmap(std::optional<CBitmap> bitmap)
     }
     m_oBitmap = std::move(bitmap);
     m_oShrunken.reset();
-    m_sText.clear();
-    Redraw();
+    ++m_nVersion;
+    m_sText = text;
+    RedrawContent();
     ::UpdateWindow(Handle());
 }
 
-void CPreview::ShowText(const std::wstring& text)
+void CPreview::RedrawContent() const
 {
-    m_oBitmap.reset();
-    m_oShrunken.reset();
-    m_sText = text;
-    Redraw();
-    ::UpdateWindow(Handle());
+    // What lies around the picture stays as it is; a step through the tree would paint it over and over.
+    if (!m_sText.empty()) {
+        Redraw();
+        return;
+    }
+    const RECT picture = PicturePlace(ClientRect());
+    ::InvalidateRect(Handle(), &picture, FALSE);
 }
 
 void CPreview::SetOptions(const PreviewOptions& options)
 {
+    if (options.renderer != m_oOptions.renderer)
+        m_pRenderer = MakePreviewRenderer(options.renderer, m_fnOpenDirect);
     m_oOptions = options;
     Redraw();
 }
@@ -162,7 +196,6 @@ void CPreview::StepZoom(int steps)
 {
     const int largest = static_cast<int>(kEnlargements.size()) - 1;
     m_nZoomStep = std::clamp(m_nZoomStep + steps, kSmallestZoomStep, largest);
-    m_oShrunken.reset();
     Redraw();
 }
 
@@ -254,64 +287,56 @@ void CPreview::KeepPictureInReach(const RECT& client)
 void CPreview::OnPaint()
 {
     const CPaintScope scope(Handle());
-    const HDC screen = scope.Screen();
     const RECT client = ClientRect();
-    if (WidthOf(client) > 0 && HeightOf(client) > 0 &&
-        m_oSurface.Resize(screen, WidthOf(client), HeightOf(client))) {
-        KeepPictureInReach(client);
-        Paint(m_oSurface.Dc(), client);
-        m_oSurface.Show(screen, WidthOf(client), HeightOf(client));
-    }
+    RECT part{};
+    if (!::IntersectRect(&part, &client, &scope.Part()) ||
+        !m_oSurface.Resize(scope.Screen(), WidthOf(client), HeightOf(client)))
+        return;
+    KeepPictureInReach(client);
+    Paint(m_oSurface.Dc(), part);
+    m_oSurface.Show(scope.Screen(), part);
 }
 
-void CPreview::Paint(HDC target, const RECT& client)
+void CPreview::Paint(HDC target, const RECT& part)
 {
-    const RECT picture = PicturePlace(client);
-    PaintBackground(target, client, picture);
-    if (m_oBitmap)
-        PaintPicture(target, client, picture);
-    else if (!m_sText.empty())
+    const CClip clip(target, part);
+    const RECT client = ClientRect();
+    m_pRenderer->Draw(target, Scene(client, part));
+    if (!m_sText.empty())
         PaintText(target, client);
     if (::GetFocus() == Handle())
         ::DrawFocusRect(target, &client);
 }
 
-void CPreview::PaintBackground(HDC target, const RECT& client, const RECT& picture) const
+PreviewScene CPreview::Scene(const RECT& client, const RECT& part)
 {
-    const int side = CScale(DpiOf(Handle()))(kSquareSide);
-    if (!m_oOptions.background) {
-        ::FillRect(target, &client, ::GetSysColorBrush(COLOR_WINDOW));
-        return;
+    PreviewScene scene;
+    scene.part = part;
+    scene.color = m_oOptions.background ? m_oOptions.color : ::GetSysColor(COLOR_WINDOW);
+    scene.picture = PicturePlace(client);
+    scene.squareSide = CScale(DpiOf(Handle()))(kSquareSide);
+    if (m_oOptions.background && m_oOptions.alpha) {
+        scene.squares = m_oOptions.fixedAlpha ? client : scene.picture;
+        scene.squaresOrigin = {scene.squares.left, scene.squares.top};
     }
-    if (m_oOptions.alpha && m_oOptions.fixedAlpha) {
-        DrawCheckerboard(target, client, {0, 0}, side);
-        return;
+    if (m_oBitmap) {
+        scene.bitmap = &ShownBitmap(scene.picture);
+        scene.version = m_nVersion;
     }
-    const CBrushHandle brush(::CreateSolidBrush(m_oOptions.color));
-    ::FillRect(target, &client, brush.get());
-    RECT behind{};
-    if (m_oOptions.alpha && ::IntersectRect(&behind, &picture, &client))
-        DrawCheckerboard(target, behind, {picture.left, picture.top}, side);
+    return scene;
 }
 
-const CBitmap& CPreview::Shrunken(std::uint32_t width, std::uint32_t height)
-{
-    if (!m_oShrunken || m_oShrunken->Width() != width || m_oShrunken->Height() != height)
-        m_oShrunken = ScaleBitmap(*m_oBitmap, width, height);
-    return m_oShrunken ? *m_oShrunken : *m_oBitmap;
-}
-
-void CPreview::PaintPicture(HDC target, const RECT& client, const RECT& picture)
+const CBitmap& CPreview::ShownBitmap(const RECT& picture)
 {
     const auto width = static_cast<std::uint32_t>(WidthOf(picture));
     const auto height = static_cast<std::uint32_t>(HeightOf(picture));
     const bool shrinks = width < m_oBitmap->Width() || height < m_oBitmap->Height();
     // The plain renderer drops pixels, as a static control would.
-    const CBitmap& shown = shrinks && !m_oOptions.plainControl ? Shrunken(width, height) : *m_oBitmap;
-    if (m_oOptions.plainControl)
-        CopyBitmap(target, shown, picture);
-    else
-        BlendBitmap(target, shown, picture, client);
+    if (!shrinks || m_oOptions.renderer == PreviewRenderer::Static)
+        return *m_oBitmap;
+    if (!m_oShrunken || m_oShrunken->Width() != width || m_oShrunken->Height() != height)
+        m_oShrunken = ScaleBitmap(*m_oBitmap, width, height);
+    return m_oShrunken ? *m_oShrunken : *m_oBitmap;
 }
 
 void CPreview::PaintText(HDC target, RECT client) const

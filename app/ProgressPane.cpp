@@ -1,6 +1,9 @@
 #include "app/ProgressPane.h"
 
+#include "base/Format.h"
+
 namespace {
+constexpr int kTextPane = 0;
 constexpr int kPane = 1;
 constexpr ULONGLONG kMillisecondsBetweenDrawings = 40;
 constexpr int kMostPaintsAtOnce = 32;
@@ -22,17 +25,27 @@ void CProgressPane::Follow() const
 
 void CProgressPane::Hide()
 {
-    m_bRunning = false;
     m_bCancelled = false;
     m_oBar.Show(false);
+    if (m_bRunning && m_oStatus.PaneText(kTextPane) == m_sShown)
+        m_oStatus.SetPane(kTextPane, m_sBefore);
+    m_bRunning = false;
 }
 
-void CProgressPane::Report(std::uint32_t current, std::uint32_t total, const std::wstring&)
+void CProgressPane::ShowText(const std::wstring& text)
+{
+    m_sShown = text;
+    m_oStatus.SetPane(kTextPane, text);
+}
+
+void CProgressPane::Report(std::uint32_t current, std::uint32_t total, const std::wstring& text)
 {
     if (!m_bRunning) {
         m_bRunning = true;
         m_bCancelled = false;
         m_nLastDrawn = 0;
+        m_sBefore = m_oStatus.PaneText(kTextPane);
+        m_sShown = m_sBefore;
         m_oBar.Show(true);
     }
     const ULONGLONG now = ::GetTickCount64();
@@ -40,7 +53,13 @@ void CProgressPane::Report(std::uint32_t current, std::uint32_t total, const std
         return;
     m_nLastDrawn = now;
     m_oBar.Set(current, total);
+    if (!m_sFormat.empty() && current < total)
+        ShowText(Format(m_sFormat, current + 1, total, text));
+    ServeWindow();
+}
 
+void CProgressPane::ServeWindow()
+{
     MSG message{};
     // Bounded: a window that never validates itself would keep the work waiting.
     for (int paints = 0; paints < kMostPaintsAtOnce; ++paints) {

@@ -1,7 +1,6 @@
 #include "app/TextureTree.h"
 
 #include <algorithm>
-#include <tuple>
 
 #include "base/Text.h"
 
@@ -17,7 +16,8 @@ std::vector<std::vector<std::uint32_t>> GroupByCategory(const CTextureDatabase& 
     }
     for (auto& group : groups)
         std::sort(group.begin(), group.end(), [&keys](std::uint32_t left, std::uint32_t right) {
-            return std::tie(keys[left], left) < std::tie(keys[right], right);
+            const int order = keys[left].compare(keys[right]);
+            return order != 0 ? order < 0 : left < right;
         });
     return groups;
 }
@@ -34,6 +34,7 @@ void CTextureTree::Clear()
 
 void CTextureTree::Fill(const CTextureDatabase& database, const std::wstring& unknown, bool withPictures)
 {
+    const auto open = OpenCategories();
     Clear();
     const int picture = withPictures ? I_IMAGECALLBACK : I_IMAGENONE;
     const CNoRedraw quiet(m_oControl);
@@ -54,7 +55,18 @@ void CTextureTree::Fill(const CTextureDatabase& database, const std::wstring& un
             m_aTextureItems[index] =
                 m_oControl.Append(parent, database.Entry(index).name, static_cast<LPARAM>(index), picture);
         }
+        if (open.contains(name))
+            m_oControl.Expand(parent, TVE_EXPAND);
     }
+}
+
+std::set<std::wstring> CTextureTree::OpenCategories() const
+{
+    std::set<std::wstring> open;
+    for (const HTREEITEM item : m_aCategoryItems)
+        if (m_oControl.HasState(item, TVIS_EXPANDED))
+            open.insert(m_oControl.ItemText(item));
+    return open;
 }
 
 TreeSelection CTextureTree::Selection() const
@@ -95,6 +107,30 @@ void CTextureTree::SelectTexture(std::uint32_t index)
 {
     if (index < m_aTextureItems.size())
         m_oControl.SelectOnly(m_aTextureItems[index]);
+}
+
+void CTextureTree::SelectCategory(std::uint32_t category)
+{
+    if (category < m_nCategories)
+        m_oControl.SelectOnly(m_aCategoryItems[category]);
+}
+
+std::optional<std::uint32_t> CTextureTree::NeighbourOf(std::span<const std::uint32_t> removed) const
+{
+    std::uint32_t lastRank = 0;
+    for (const std::uint32_t index : removed)
+        lastRank = std::max(lastRank, m_aRanks[index]);
+    std::optional<std::uint32_t> below;
+    std::optional<std::uint32_t> above;
+    for (std::uint32_t index = 0; index < m_aRanks.size(); ++index) {
+        if (std::binary_search(removed.begin(), removed.end(), index))
+            continue;
+        if (m_aRanks[index] > lastRank && (!below || m_aRanks[index] < m_aRanks[*below]))
+            below = index;
+        if (m_aRanks[index] < lastRank && (!above || m_aRanks[index] > m_aRanks[*above]))
+            above = index;
+    }
+    return below ? below : above;
 }
 
 void CTextureTree::SelectFirstItem()

@@ -5,6 +5,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "app/TreeCtrlEx.h"
@@ -18,6 +21,7 @@ struct TreeSelection {
     std::optional<std::uint32_t> focused;
     /// The category that has the focus, if it is one of the database's own.
     std::optional<std::uint32_t> category;
+    /// The text of the focused item; empty when there is none.
     std::wstring focusedText;
 };
 
@@ -25,8 +29,9 @@ class CTextureTree {
 public:
     CTreeCtrlEx& Control() { return m_oControl; }
 
-    /// Shows the database anew. `unknown` names the group of textures whose category does not exist. With
-    /// pictures the control asks for the picture of each texture when it first draws it.
+    /// Shows the database anew; categories that were open stay so. `unknown` names the group of textures
+    /// whose category does not exist. With pictures the control asks for the picture of each texture when it
+    /// first draws it.
     void Fill(const CTextureDatabase& database, const std::wstring& unknown, bool withPictures);
     void Clear();
 
@@ -35,9 +40,15 @@ public:
     std::optional<std::uint32_t> Focused() const;
     /// Selects the texture alone, opens its category and scrolls to it.
     void SelectTexture(std::uint32_t index);
+    void SelectCategory(std::uint32_t category);
     void SelectFirstItem();
+    /// The texture that is to be selected once `removed` (in index order) are gone: the next one below the
+    /// last of them, else the one above. Nothing when none stays.
+    std::optional<std::uint32_t> NeighbourOf(std::span<const std::uint32_t> removed) const;
 
 private:
+    std::set<std::wstring> OpenCategories() const;
+
     CTreeCtrlEx m_oControl;
     std::vector<HTREEITEM> m_aTextureItems;   // by entry index
     std::vector<std::uint32_t> m_aRanks;      // by entry index: the place in the tree, counted from above

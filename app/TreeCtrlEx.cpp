@@ -277,7 +277,9 @@ std::optional<LRESULT> CTreeCtrlEx::OnKey(WPARAM key)
     // Without Shift the selection becomes the one item that the control moves to.
     m_bChanging = true;
     SelectNoneBut(caret);
-    SetState(caret, TVIS_SELECTED, true);
+    // Even a state that does not change may cost the control a look at all its items.
+    if (!HasState(caret, TVIS_SELECTED))
+        SetState(caret, TVIS_SELECTED, true);
     m_bChanging = false;
     const LRESULT result = PassOn(WM_KEYDOWN, key, 0);
     m_hAnchor = Caret();

@@ -1,6 +1,7 @@
 #include "app/UserDialogs.h"
 
 #include "app/DlgAbout.h"
+#include "app/DlgAliases.h"
 
 std::optional<std::wstring> CUserDialogs::AskValue(const ValueRequest& request)
 {
@@ -36,6 +37,12 @@ std::optional<std::wstring> CUserDialogs::BrowseFolder(const std::wstring& title
 std::optional<COLORREF> CUserDialogs::PickColor(COLORREF proposed)
 {
     return AskColor(m_oOwner.Handle(), proposed);
+}
+
+void CUserDialogs::ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture,
+                                 RelationKind kind, IEditorHost& host)
+{
+    CDlgAliases({m_rResources, database, host, m_rPrompt}, kind, texture).Run(m_oOwner.Handle());
 }
 
 void CUserDialogs::ShowAbout()

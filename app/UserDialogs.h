@@ -3,6 +3,7 @@
 // The questions that need more than a message box: a value, a file, a folder, a colour. An interface, so that
 // a test answers them without a person.
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -10,6 +11,8 @@
 
 #include "app/DlgValue.h"
 #include "app/Resources.h"
+#include "tools/EditorHost.h"
+#include "tools/TextureRelations.h"
 #include "ui/FileDialog.h"
 
 class IUserDialogs {
@@ -27,13 +30,16 @@ public:
     virtual std::optional<std::wstring> BrowseFolder(const std::wstring& title,
                                                      const std::wstring& initial) = 0;
     virtual std::optional<COLORREF> PickColor(COLORREF proposed) = 0;
+    /// The aliases or the siblings of a texture, or of none; choosing one selects it in the editor.
+    virtual void ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture,
+                               RelationKind kind, IEditorHost& host) = 0;
     virtual void ShowAbout() = 0;
 };
 
-/// The real ones, above the main window.
+/// The real ones, above the main window. It borrows what it is given.
 class CUserDialogs final : public IUserDialogs {
 public:
-    explicit CUserDialogs(const CResources& resources) : m_rResources(resources) {}
+    CUserDialogs(const CResources& resources, IPrompt& prompt) : m_rResources(resources), m_rPrompt(prompt) {}
     void SetOwner(const CWindow& owner) { m_oOwner = owner; }
 
     std::optional<std::wstring> AskValue(const ValueRequest& request) override;
@@ -42,9 +48,12 @@ public:
     std::optional<std::filesystem::path> SaveFile(const FileRequest& request) override;
     std::optional<std::wstring> BrowseFolder(const std::wstring& title, const std::wstring& initial) override;
     std::optional<COLORREF> PickColor(COLORREF proposed) override;
+    void ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture, RelationKind kind,
+                       IEditorHost& host) override;
     void ShowAbout() override;
 
 private:
     const CResources& m_rResources;
+    IPrompt& m_rPrompt;
     CWindow m_oOwner;
 };

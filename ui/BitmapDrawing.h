@@ -19,10 +19,14 @@ private:
     ULONG_PTR m_nToken = 0;
 };
 
-/// Blends the bitmap, stretched to `place`, over what is there. Enlarged pixels stay sharp squares. Only what
-/// meets `clip` is worked on, so a picture many times larger than the target costs no more than a small one.
+/// Blends the bitmap, stretched to `place`, over what is there; each point takes the pixel that its centre
+/// falls into. Only what meets `clip` is worked on, so a picture many times larger than the target costs no
+/// more than a small one.
 void BlendBitmap(HDC target, const CBitmap& bitmap, const RECT& place, const RECT& clip);
-/// Copies the colours and ignores the alpha.
-void CopyBitmap(HDC target, const CBitmap& bitmap, const RECT& place);
+/// The same, but copies the colours and ignores the alpha.
+void CopyBitmap(HDC target, const CBitmap& bitmap, const RECT& place, const RECT& clip);
+
+inline constexpr COLORREF kLightSquare = RGB(0xFF, 0xFF, 0xFF);
+inline constexpr COLORREF kDarkSquare = RGB(0xCC, 0xCC, 0xCC);
 /// Squares of two greys, `side` pixels each, in `area`; the pattern begins at `origin`.
 void DrawCheckerboard(HDC target, const RECT& area, POINT origin, int side);

@@ -1,5 +1,26 @@
 #include "ui/Dialog.h"
 
+namespace {
+
+HINSTANCE Program()
+{
+    return ::GetModuleHandleW(nullptr);
+}
+
+// Another module may lack a template that the program has.
+const DLGTEMPLATE* TemplateOf(HINSTANCE module, int id)
+{
+    HRSRC found = ::FindResourceW(module, MAKEINTRESOURCEW(id), RT_DIALOG);
+    if (found == nullptr) {
+        module = Program();
+        found = ::FindResourceW(module, MAKEINTRESOURCEW(id), RT_DIALOG);
+    }
+    HGLOBAL loaded = found != nullptr ? ::LoadResource(module, found) : nullptr;
+    return loaded != nullptr ? static_cast<const DLGTEMPLATE*>(::LockResource(loaded)) : nullptr;
+}
+
+}  // namespace
+
 CDialog::~CDialog()
 {
     if (!Exists())
@@ -12,16 +33,22 @@ CDialog::~CDialog()
 INT_PTR CDialog::DoModal(HINSTANCE module, HWND owner)
 {
     m_bModal = true;
-    return ::DialogBoxParamW(module, MAKEINTRESOURCEW(m_nTemplate), owner, Procedure,
-                             reinterpret_cast<LPARAM>(this));  // NOLINT: how the parameter is passed
+    const DLGTEMPLATE* dialog = TemplateOf(module, m_nTemplate);
+    if (dialog == nullptr)
+        return -1;
+    // For the program, whoever has the template: it registered the window classes and holds the icons.
+    return ::DialogBoxIndirectParamW(Program(), dialog, owner, Procedure,
+                                     reinterpret_cast<LPARAM>(this));  // NOLINT: how the parameter is passed
 }
 
 bool CDialog::Create(HINSTANCE module, HWND owner)
 {
     m_bModal = false;
     m_bEnded = false;
-    return ::CreateDialogParamW(module, MAKEINTRESOURCEW(m_nTemplate), owner, Procedure,
-                                reinterpret_cast<LPARAM>(this)) != nullptr;  // NOLINT: as above
+    const DLGTEMPLATE* dialog = TemplateOf(module, m_nTemplate);
+    return dialog != nullptr &&
+           ::CreateDialogIndirectParamW(Program(), dialog, owner, Procedure,
+                                        reinterpret_cast<LPARAM>(this)) != nullptr;  // NOLINT: as above
 }
 
 bool CDialog::IsForDialog(MSG& message)

@@ -12,7 +12,8 @@ public:
     CDialog& operator=(const CDialog&) = delete;
     virtual ~CDialog();
 
-    /// Shows the dialog of `module` and waits until End; returns its value.
+    /// Shows the dialog and waits until End; returns its value. The template comes from `module`, or from the
+    /// program when the module has none; the windows are always the program's.
     INT_PTR DoModal(HINSTANCE module, HWND owner);
     /// Creates the window without waiting; false when Windows refuses.
     bool Create(HINSTANCE module, HWND owner);

@@ -29,7 +29,8 @@ bool CGdiSurface::Resize(HDC screen, int width, int height)
     return true;
 }
 
-void CGdiSurface::Show(HDC target, int width, int height) const
+void CGdiSurface::Show(HDC target, const RECT& part) const
 {
-    ::BitBlt(target, 0, 0, width, height, m_hDc.get(), 0, 0, SRCCOPY);
+    ::BitBlt(target, part.left, part.top, part.right - part.left, part.bottom - part.top, m_hDc.get(),
+             part.left, part.top, SRCCOPY);
 }

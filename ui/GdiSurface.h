@@ -15,8 +15,8 @@ public:
     /// Makes the surface at least as large as asked; false when memory is short.
     bool Resize(HDC screen, int width, int height);
     HDC Dc() const { return m_hDc.get(); }
-    /// Shows the left upper `width` x `height` pixels.
-    void Show(HDC target, int width, int height) const;
+    /// Shows the pixels of `part` where they are.
+    void Show(HDC target, const RECT& part) const;
 
 private:
     CMemoryDc m_hDc;

@@ -1,5 +1,16 @@
 #include "ui/Menu.h"
 
+std::wstring PlainMenuText(const std::wstring& text)
+{
+    std::wstring plain;
+    for (const wchar_t character : text) {
+        if (character == L'&')
+            plain += character;
+        plain += character == L'\t' ? L' ' : character;
+    }
+    return plain;
+}
+
 void CMenu::Enable(UINT id, bool enabled) const
 {
     ::EnableMenuItem(m_hMenu, id, MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));

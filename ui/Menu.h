@@ -7,6 +7,9 @@
 
 #include "ui/Handles.h"
 
+/// A text that a menu shows as it is: its "&" is no mnemonic, and nothing counts as an accelerator.
+std::wstring PlainMenuText(const std::wstring& text);
+
 /// Borrows the menu.
 class CMenu {
 public:

@@ -17,9 +17,13 @@ public:
 
     void TakeOver(HWND window)
     {
+        // Not with SetWindowSubclass, which looks its own data up by name at every message: under Wine that
+        // takes longer than most messages do.
         this->Attach(window);
-        ::SetWindowSubclass(window, Procedure, 1,
-                            reinterpret_cast<DWORD_PTR>(this));  // NOLINT: read in Procedure
+        ::SetWindowLongPtrW(window, GWLP_USERDATA,
+                            reinterpret_cast<LONG_PTR>(this));  // NOLINT: read in Procedure
+        m_fnOriginal = reinterpret_cast<WNDPROC>(               // NOLINT: how the function is defined
+            ::SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));  // NOLINT
     }
 
 protected:
@@ -28,27 +32,31 @@ protected:
     /// What the control itself would do.
     LRESULT PassOn(UINT message, WPARAM wParam, LPARAM lParam) const
     {
-        return ::DefSubclassProc(this->Handle(), message, wParam, lParam);
+        return ::CallWindowProcW(m_fnOriginal, this->Handle(), message, wParam, lParam);
     }
 
 private:
     void Release()
     {
-        if (this->Exists())
-            ::RemoveWindowSubclass(this->Handle(), Procedure, 1);
+        if (this->Exists()) {
+            ::SetWindowLongPtrW(this->Handle(), GWLP_WNDPROC,
+                                reinterpret_cast<LONG_PTR>(m_fnOriginal));  // NOLINT: as in TakeOver
+            ::SetWindowLongPtrW(this->Handle(), GWLP_USERDATA, 0);
+        }
         this->Attach(nullptr);
     }
 
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                                      DWORD_PTR reference)
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
-        auto* self = reinterpret_cast<CSubclass*>(reference);  // NOLINT: stored by TakeOver
-        if (message == WM_NCDESTROY) {
+        auto* self = reinterpret_cast<CSubclass*>(::GetWindowLongPtrW(window, GWLP_USERDATA));  // NOLINT
+        // Kept here, because the filter may end the object.
+        const WNDPROC original = self->m_fnOriginal;
+        if (message == WM_NCDESTROY)
             self->Release();
-            return ::DefSubclassProc(window, message, wParam, lParam);
-        }
-        if (const auto result = self->Filter(message, wParam, lParam))
+        else if (const auto result = self->Filter(message, wParam, lParam))
             return *result;
-        return ::DefSubclassProc(window, message, wParam, lParam);
+        return ::CallWindowProcW(original, window, message, wParam, lParam);
     }
+
+    WNDPROC m_fnOriginal = nullptr;
 };

@@ -15,3 +15,8 @@ void UseExplorerTheme(const CWindow& control)
         return;
     ::SetWindowTheme(control.Handle(), L"Explorer", nullptr);
 }
+
+bool HasExplorerTheme()
+{
+    return !IsWine() && ::IsAppThemed() != FALSE;
+}

@@ -9,3 +9,5 @@ bool IsWine();
 
 /// Gives a tree or list the look of the file windows where the system draws it well.
 void UseExplorerTheme(const CWindow& control);
+/// Whether UseExplorerTheme gives a list the look of the file windows, which paints whole rows itself.
+bool HasExplorerTheme();

@@ -46,6 +46,11 @@ public:
         Send(TVM_EXPAND, how, reinterpret_cast<LPARAM>(item));
     }  // NOLINT
     RECT ItemRect(HTREEITEM item) const;
+    /// Lets the person edit the item's text; the control must have the focus.
+    void EditLabel(HTREEITEM item) const
+    {
+        Send(TVM_EDITLABELW, 0, reinterpret_cast<LPARAM>(item));
+    }  // NOLINT
     /// The edit control while a label is edited, else null.
     HWND LabelEditor() const;
 

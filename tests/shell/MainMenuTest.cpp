@@ -225,6 +225,10 @@ TEST_F(CMainMenu, StartsEveryRunWithGdiPlus)
     Command(ID_RENDERER_STATIC);
     EXPECT_EQ(m_pSettings->ReadInt(L"render", L"type", -1), 0);
     EXPECT_TRUE(Menu().IsChecked(ID_RENDERER_STATIC));
+    Command(ID_RENDERER_DIRECT);
+    EXPECT_EQ(m_pSettings->ReadInt(L"render", L"type", 0), 2);
+    EXPECT_TRUE(Menu().IsChecked(ID_RENDERER_DIRECT));
+    EXPECT_FALSE(Menu().IsChecked(ID_RENDERER_STATIC));
 }
 
 TEST_F(CMainMenu, StoresTheBackgroundAndItsColor)

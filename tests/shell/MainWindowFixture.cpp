@@ -18,6 +18,8 @@ std::optional<std::filesystem::path> CScriptedDialogs::OpenFile(const FileReques
 std::vector<std::filesystem::path> CScriptedDialogs::OpenFiles(const FileRequest& request)
 {
     files.push_back(request);
+    if (!chosenFiles.empty())
+        return chosenFiles;
     return file ? std::vector{*file} : std::vector<std::filesystem::path>{};
 }
 
@@ -37,6 +39,12 @@ std::optional<COLORREF> CScriptedDialogs::PickColor(COLORREF)
     return color;
 }
 
+void CScriptedDialogs::ShowRelations(CTextureDatabase&, std::optional<std::uint32_t> texture,
+                                     RelationKind kind, IEditorHost&)
+{
+    relations.emplace_back(kind, texture);
+}
+
 CMainWindowTest::CMainWindowTest()
     : m_pSettings(OpenSettings(m_oFolder / "mavrel.ini")), m_oResources(::GetModuleHandleW(nullptr))
 {
@@ -54,15 +62,17 @@ CMainWindowTest::~CMainWindowTest()
 void CMainWindowTest::Start(std::deque<PromptAnswer> answers)
 {
     m_pPrompt = std::make_unique<CScriptedPrompt>(std::move(answers));
-    m_pWindow = std::make_unique<CDlgMain>(
-        MainWindowParts{m_oResources, *m_pSettings, m_oPlugins, DiskFileSystem(), *m_pPrompt, m_oDialogs});
+    m_pLanguages = std::make_unique<CLanguages>(m_oResources, *m_pSettings, *m_pPrompt, m_sLanguages);
+    m_pWindow =
+        std::make_unique<CDlgMain>(MainWindowParts{m_oResources, *m_pLanguages, m_oTranslator, *m_pSettings,
+                                                   m_oPlugins, DiskFileSystem(), *m_pPrompt, m_oDialogs});
     ASSERT_TRUE(m_pWindow->Open()) << "a display is needed";
 }
 
 void CMainWindowTest::OpenDatabase(const CDatabaseBuilder& builder)
 {
     builder.Write(m_oFolder / "textures.txt");
-    m_pWindow->OpenFromCommandLine(m_oFolder / "textures.txt");
+    m_pWindow->OpenAndSelect(m_oFolder / "textures.txt");
 }
 
 CDatabaseBuilder CMainWindowTest::SmallDatabase()
@@ -78,6 +88,13 @@ CDatabaseBuilder CMainWindowTest::SmallDatabase()
     builder.Texture("lost", " width=4 height=4 cat=7").Picture("dxt", 0x70).Picture("unc", 0x80);
     builder.Alias("bark", "wood");
     return builder;
+}
+
+void CMainWindowTest::ServePosted()
+{
+    MSG message{};
+    while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        ::DispatchMessageW(&message);
 }
 
 std::wstring CMainWindowTest::Pane(int pane) const

@@ -22,15 +22,21 @@ public:
     std::optional<std::filesystem::path> SaveFile(const FileRequest& request) override;
     std::optional<std::wstring> BrowseFolder(const std::wstring& title, const std::wstring& initial) override;
     std::optional<COLORREF> PickColor(COLORREF proposed) override;
+    void ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture, RelationKind kind,
+                       IEditorHost& host) override;
     void ShowAbout() override {}
 
     std::optional<std::wstring> value;
     std::optional<std::filesystem::path> file;
+    /// What a dialog for several files gives; empty: `file`.
+    std::vector<std::filesystem::path> chosenFiles;
     std::optional<std::wstring> folder;
     std::optional<COLORREF> color;
     std::vector<ValueRequest> values;
     std::vector<FileRequest> files;
     std::vector<std::wstring> folderTitles;
+    /// The textures whose lists were shown.
+    std::vector<std::pair<RelationKind, std::optional<std::uint32_t>>> relations;
 };
 
 class CMainWindowTest : public testing::Test {
@@ -47,6 +53,8 @@ protected:
     static CDatabaseBuilder SmallDatabase();
 
     void Command(UINT id) const { m_pWindow->Send(WM_COMMAND, id); }
+    /// Serves what the window has posted to itself.
+    static void ServePosted();
     CMenu Menu() const { return CMenu(::GetMenu(m_pWindow->Handle())); }
     std::wstring Pane(int pane) const;
     CTreeView Tree() const;
@@ -60,8 +68,12 @@ protected:
     CScriptedPrompt& Prompt() { return *m_pPrompt; }
 
     CTemporaryFolder m_oFolder;
+    /// Where the language libraries are; a test that wants them says so before it starts the window.
+    std::filesystem::path m_sLanguages = m_oFolder / "lang";
     std::unique_ptr<ISettings> m_pSettings;
     CResources m_oResources;
+    CMessageTranslator m_oTranslator{m_oResources};
+    std::unique_ptr<CLanguages> m_pLanguages;
     CPluginTable m_oPlugins;
     CScriptedDialogs m_oDialogs;
     std::unique_ptr<CScriptedPrompt> m_pPrompt;

@@ -312,7 +312,7 @@ TEST_F(CMainWindow, ClosesWhenThereIsNothingToOpen)
 {
     Start();
     OpenDatabase(SmallDatabase());
-    m_pWindow->OpenFromCommandLine(m_oFolder / "missing.txt");
+    m_pWindow->OpenAndSelect(m_oFolder / "missing.txt");
     ASSERT_EQ(Prompt().Shown().size(), 1U);
     EXPECT_EQ(Prompt().Shown()[0].text,
               L"No caches found to load, lol.\n\nCheck .DAT, .TMB and .TOC files, all of them sholuld be "

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/BitmapDrawing.h"
+
 namespace {
 
 constexpr int kSide = 100;
@@ -35,11 +37,25 @@ protected:
         return color;
     }
 
-    CPreview m_oPreview;
+    void UseRenderer(PreviewRenderer renderer)
+    {
+        PreviewOptions options = m_oPreview.Options();
+        options.renderer = renderer;
+        m_oPreview.SetOptions(options);
+    }
+
+    CGdiPlusSession m_oGdiPlus;
+    int m_nDevicesAsked = 0;
+    // A machine without a graphics processor.
+    CPreview m_oPreview{[this] {
+        ++m_nDevicesAsked;
+        return nullptr;
+    }};
 };
 
 constexpr std::uint32_t kOpaqueRed = 0xFFFF0000;
 constexpr std::uint32_t kInvisible = 0x0000FF00;
+constexpr std::uint32_t kHalfRed = 0x80FF0000;
 
 TEST_F(CPreviewWindow, CentresThePictureOverTheColor)
 {
@@ -91,11 +107,95 @@ TEST_F(CPreviewWindow, ShowsTheWindowsOwnColorWithoutABackground)
 
 TEST_F(CPreviewWindow, IgnoresAlphaAsAPlainControl)
 {
-    PreviewOptions options = m_oPreview.Options();
-    options.plainControl = true;
-    m_oPreview.SetOptions(options);
+    UseRenderer(PreviewRenderer::Static);
     m_oPreview.ShowBitmap(Filled(40, 40, kInvisible));
     EXPECT_EQ(PixelAt(50, 50), RGB(0, 0xFF, 0));
+}
+
+TEST_F(CPreviewWindow, DrawsAsGdiPlusWithoutAWordWhereThereIsNoDevice)
+{
+    UseRenderer(PreviewRenderer::DirectX);
+    m_oPreview.ShowBitmap(Filled(40, 40, kHalfRed));
+    EXPECT_EQ(PixelAt(50, 50), RGB(0xC0, 0x40, 0x40));
+    EXPECT_EQ(m_oPreview.Options().renderer, PreviewRenderer::DirectX);
+    m_oPreview.Redraw();
+    EXPECT_EQ(PixelAt(50, 50), RGB(0xC0, 0x40, 0x40));
+    EXPECT_EQ(m_nDevicesAsked, 1) << "a machine that has none is not asked at every painting";
+}
+
+TEST_F(CPreviewWindow, AsksForADeviceAgainWhenDirectXIsChosenAnew)
+{
+    UseRenderer(PreviewRenderer::DirectX);
+    m_oPreview.ShowBitmap(Filled(40, 40, kOpaqueRed));
+    UseRenderer(PreviewRenderer::GdiPlus);
+    UseRenderer(PreviewRenderer::DirectX);
+    ::UpdateWindow(m_oPreview.Handle());
+    EXPECT_EQ(m_nDevicesAsked, 2);
+}
+
+TEST_F(CPreviewWindow, AsksForNoDeviceUnlessDirectXIsChosen)
+{
+    m_oPreview.ShowBitmap(Filled(40, 40, kOpaqueRed));
+    UseRenderer(PreviewRenderer::Static);
+    ::UpdateWindow(m_oPreview.Handle());
+    EXPECT_EQ(m_nDevicesAsked, 0);
+}
+
+TEST_F(CPreviewWindow, BlendsWhatIsHalfTransparent)
+{
+    m_oPreview.ShowBitmap(Filled(40, 40, kHalfRed));
+    EXPECT_EQ(PixelAt(50, 50), RGB(0xC0, 0x40, 0x40));
+}
+
+TEST_F(CPreviewWindow, PaintsOverALargerPictureWhenASmallerOneFollows)
+{
+    m_oPreview.ShowBitmap(Filled(80, 80, kOpaqueRed));
+    EXPECT_EQ(PixelAt(12, 50), RGB(0xFF, 0, 0));
+    m_oPreview.ShowBitmap(Filled(20, 20, kOpaqueRed));
+    EXPECT_EQ(PixelAt(12, 50), RGB(0x80, 0x80, 0x80));
+    EXPECT_EQ(PixelAt(50, 50), RGB(0xFF, 0, 0));
+    m_oPreview.ShowBitmap(std::nullopt);
+    EXPECT_EQ(PixelAt(50, 50), RGB(0x80, 0x80, 0x80));
+}
+
+TEST_F(CPreviewWindow, PaintsOverAnEnlargedPictureWhenAnotherOneFollowsAtLifeSize)
+{
+    m_oPreview.ShowBitmap(Filled(20, 20, kOpaqueRed));
+    m_oPreview.Send(WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA * 3));
+    EXPECT_EQ(PixelAt(12, 50), RGB(0xFF, 0, 0));
+    m_oPreview.ShowBitmap(Filled(10, 10, kOpaqueRed));
+    EXPECT_EQ(PixelAt(12, 50), RGB(0x80, 0x80, 0x80));
+}
+
+TEST_F(CPreviewWindow, PaintsOverATextWhenAPictureFollows)
+{
+    m_oPreview.ShowText(std::wstring(400, L'M'));
+    m_oPreview.ShowBitmap(Filled(2, 2, kOpaqueRed));
+    for (int y = 2; y < 45; ++y)
+        for (int x = 2; x < kSide - 2; ++x)
+            ASSERT_EQ(PixelAt(x, y), RGB(0x80, 0x80, 0x80)) << x << ", " << y;
+}
+
+TEST_F(CPreviewWindow, KnowsWhenItShowsNothing)
+{
+    EXPECT_TRUE(m_oPreview.ShowsNothing());
+    m_oPreview.ShowBitmap(Filled(20, 20, kOpaqueRed));
+    EXPECT_FALSE(m_oPreview.ShowsNothing());
+    m_oPreview.ShowText(L"no plugin");
+    EXPECT_FALSE(m_oPreview.ShowsNothing());
+    m_oPreview.ShowBitmap(std::nullopt);
+    EXPECT_TRUE(m_oPreview.ShowsNothing());
+}
+
+TEST_F(CPreviewWindow, FitsTheStretchedPictureAnewWhenTheWindowGrows)
+{
+    PreviewOptions options = m_oPreview.Options();
+    options.stretch = true;
+    m_oPreview.SetOptions(options);
+    m_oPreview.ShowBitmap(Filled(20, 20, kOpaqueRed));
+    m_oPreview.Move({10, 10, 210, 210});
+    EXPECT_EQ(PixelAt(1, 1), RGB(0xFF, 0, 0));
+    EXPECT_EQ(PixelAt(198, 198), RGB(0xFF, 0, 0));
 }
 
 TEST_F(CPreviewWindow, ZoomsInWholeStepsWithTheWheel)

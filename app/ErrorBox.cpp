@@ -1,0 +1,18 @@
+#include "app/ErrorBox.h"
+
+#include <exception>
+
+#include "base/Text.h"
+#include "database/DatabaseError.h"
+
+void ShowCurrentException(IPrompt& prompt)
+{
+    try {
+        throw;
+    } catch (const CError& error) {
+        if (!error.WasShown())
+            prompt.ShowError(error.Text());
+    } catch (const std::exception& error) {
+        prompt.ShowError(FromUtf8(error.what()));
+    }
+}
