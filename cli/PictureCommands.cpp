@@ -16,16 +16,11 @@
 #include "base/Format.h"
 #include "base/Text.h"
 #include "cli/Command.h"
+#include "cli/ImportWords.h"
 #include "tools/ExportPictures.h"
 #include "tools/ImportPictures.h"
 
 namespace {
-
-void RefuseBoth(const CArguments& arguments, const std::wstring& one, const std::wstring& other)
-{
-    if (arguments.Has(one) && arguments.Has(other))
-        throw CUsageError(Format(L"%s and %s exclude each other.", one, other));
-}
 
 ImportRequest ReadImportRequest(const CTextureDatabase& database, const CArguments& arguments)
 {
@@ -38,30 +33,6 @@ ImportRequest ReadImportRequest(const CTextureDatabase& database, const CArgumen
     if (const auto word = arguments.Value(L"--category"))
         request.category = FindCategory(database, *word);
     return request;
-}
-
-ClashAnswer ReadClashAnswer(const CArguments& arguments)
-{
-    if (arguments.Has(L"--replace"))
-        return ClashAnswer::Replace;
-    return arguments.Has(L"--skip") ? ClashAnswer::Skip : ClashAnswer::Ask;
-}
-
-void WriteImportCounts(const CSession& session, const ImportCounts& counts)
-{
-    if (!session.Options().json) {
-        WriteOutput(Format(L"%u imported, %u aliased, %u skipped, %u failed\n", counts.imported,
-                           counts.aliased, counts.skipped, counts.failed));
-        return;
-    }
-    CJsonWriter json;
-    json.BeginObject()
-        .Field(L"imported", counts.imported)
-        .Field(L"aliased", counts.aliased)
-        .Field(L"skipped", counts.skipped)
-        .Field(L"failed", counts.failed)
-        .EndObject();
-    WriteOutput(json.Document());
 }
 
 // Whether to go on after a picture that failed is not a question a script must answer: without --yes the run
@@ -85,7 +56,6 @@ private:
 ExitCode RunImport(CSession& session, const CArguments& arguments)
 {
     RefuseBoth(arguments, L"--alpha", L"--no-alpha");
-    RefuseBoth(arguments, L"--replace", L"--skip");
     const auto& words = arguments.Words();
     const ClashAnswer clash = ReadClashAnswer(arguments);
     CTextureDatabase& database = session.OpenDatabase(words[0]);

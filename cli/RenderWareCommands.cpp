@@ -1,6 +1,7 @@
 // Texture dictionaries, and RenderWare files of any kind:
 //
 //   txd tree FILE     txd list FILE     txd export FILE --out DIR [--format png|bmp|gif|jpg|tif]
+//   txd import DB FILE [--category CATEGORY] [--replace|--skip]
 //   rw copy FILE --out FILE
 
 #include "cli/RenderWareCommands.h"
@@ -13,11 +14,13 @@
 #include "base/Format.h"
 #include "base/Text.h"
 #include "cli/Command.h"
+#include "cli/ImportWords.h"
 #include "rw/Messages.h"
 #include "rw/SectionName.h"
 #include "rw/Stream.h"
 #include "rw/TXDMobile.h"
 #include "tools/ExportDictionary.h"
+#include "tools/ImportDictionary.h"
 #include "tools/SectionTree.h"
 #include "tools/TXDHelper.h"
 
@@ -175,6 +178,27 @@ ExitCode RunExport(CSession& session, const CArguments& arguments)
     return counts.failed != 0 || counts.notSaved != 0 ? ExitCode::Failed : failures.Code();
 }
 
+// The dictionary comes first: while it cannot be opened, the database is not touched.
+ExitCode RunImport(CSession& session, const CArguments& arguments)
+{
+    const auto& words = arguments.Words();
+    // A question that nobody answers ends the run, as it does in every command.
+    const DictionaryImportOptions options = {.clash = ReadClashAnswer(arguments),
+                                             .onCancel = ClashChoice::Stop};
+    CPrintedFailures failures(session.Prompt());
+    CTXDHelper helper(session.Plugins(), failures);
+    helper.OpenDictionary(ToPath(words[2]));
+    CTextureDatabase& database = session.OpenDatabase(words[1]);
+    ImportRequest request;
+    if (const auto category = arguments.Value(L"--category"))
+        request.category = FindCategory(database, *category);
+    CDictionaryImporter importer(database, session.Plugins(), session.Settings(), session.Prompt(),
+                                 session.Progress(), options);
+    const ImportCounts counts = importer.RunAll(helper, request);
+    WriteImportCounts(session, counts);
+    return counts.failed != 0 ? ExitCode::Failed : failures.Code();
+}
+
 ExitCode RunCopy(CSession& session, const CArguments& arguments)
 {
     const std::wstring out = RequireOption(arguments, L"--out");
@@ -190,6 +214,7 @@ constexpr std::array kDictionaryVerbs = {
     Verb{L"tree", 2, RunTree},
     Verb{L"list", 2, RunList},
     Verb{L"export", 2, RunExport},
+    Verb{L"import", 3, RunImport},
 };
 constexpr std::array kFileVerbs = {Verb{L"copy", 2, RunCopy}};
 
@@ -228,15 +253,17 @@ std::wstring RequireOption(const CArguments& arguments, const std::wstring& opti
 std::span<const Command> RenderWareCommands()
 {
     static const std::array kCommands = {
-        Command{L"txd",
-                L"tree FILE | list FILE | export FILE --out DIR [--format png|bmp|gif|jpg|tif]",
-                L"tree shows the sections of any RenderWare file, list the textures of a dictionary; export "
-                L"writes "
-                L"the first level of every texture as an image file.",
-                2,
-                2,
-                {.flags = {}, .withValue = {L"--out", L"--format"}},
-                RunDictionaryVerb},
+        Command{
+            L"txd",
+            L"tree FILE | list FILE | export FILE --out DIR [--format png|bmp|gif|jpg|tif] | import DB FILE "
+            L"[--category CATEGORY] [--replace|--skip]",
+            L"tree shows the sections of any RenderWare file, list the textures of a dictionary; export "
+            L"writes the first level of every texture as an image file; import adds every texture to a "
+            L"database, where a name that exists already is a question without --replace or --skip.",
+            2,
+            3,
+            {.flags = {L"--replace", L"--skip"}, .withValue = {L"--out", L"--format", L"--category"}},
+            RunDictionaryVerb},
         Command{L"dff",
                 L"list FILE [--db DB] | rename FILE OLD NEW --out FILE | text FILE --out FILE",
                 L"list shows the textures that a model names and whether a database has them; rename changes "

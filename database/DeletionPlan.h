@@ -20,8 +20,8 @@ struct RemovedRecord {
     std::uint32_t entry = 0;
 };
 
-/// Bytes that stay, from the start of a record to the start of another one. `firstOwner` and `ownerCount` name
-/// the records that begin in them in `DeletionPlan::kept`; bytes that belong to nobody have none.
+/// Bytes that stay, from the start of a record to the start of another one. `firstOwner` and `ownerCount`
+/// name the records that begin in them in `DeletionPlan::kept`; bytes that belong to nobody have none.
 struct MovedPiece {
     std::uint64_t from = 0;
     std::uint64_t length = 0;

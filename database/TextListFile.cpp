@@ -94,6 +94,14 @@ bool CTextListFile::Commit()
     return replaced;
 }
 
+bool CTextListFile::IsFree()
+{
+    m_pFile.reset();
+    const bool isFree = m_rFiles.Open(m_sTarget, OpenMode::Exclusive) != nullptr;
+    m_pFile = m_rFiles.Open(m_sTarget, OpenMode::ReadWrite);
+    return isFree && m_pFile != nullptr;
+}
+
 void CTextListFile::Discard()
 {
     if (!m_sPrepared.empty())

@@ -38,6 +38,9 @@ public:
     /// missing.
     bool Prepare(std::span<const std::byte> text);
     bool Commit();
+    /// Whether Commit would find the list free: false while another program has it open. For edits that
+    /// change other files between Prepare and Commit.
+    bool IsFree();
     void Discard();
 
     /// Adds text at the end of what the last Commit put into place. False when the file does not hold just

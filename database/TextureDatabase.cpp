@@ -134,6 +134,11 @@ bool CTextureDatabase::IsOpen(CacheIndex cache) const
     return m_pImpl->Slot(cache).dat != nullptr;
 }
 
+bool CTextureDatabase::IsBlocked(CacheIndex cache) const
+{
+    return m_pImpl->Slot(cache).isBlocked;
+}
+
 bool CTextureDatabase::HasToc(CacheIndex cache) const
 {
     return m_pImpl->Slot(cache).toc != nullptr;

@@ -111,6 +111,7 @@ public:
 
     bool IsOpen(CacheIndex cache) const;            ///< its `.dat` is open
     bool HasToc(CacheIndex cache) const;            ///< its `.toc` is open
+    bool IsBlocked(CacheIndex cache) const;         ///< one of its files is there but could not be opened
     bool HasThumbnailFile(CacheIndex cache) const;  ///< its `.tmb` is open
     /// Thumbnails were found for every raster; otherwise those of the cache are ignored.
     bool HasThumbnails(CacheIndex cache) const;

@@ -75,6 +75,12 @@ void CTextureDatabase::CImpl::PrepareListText(std::span<const std::byte> text)
         ReportDatabaseError(m_rPrompt, L"Unable to rebuild TXT file", kNone, __LINE__, ErrorKind::Fatal);
 }
 
+void CTextureDatabase::CImpl::RequireFreeList()
+{
+    if (!m_oList.IsFree())
+        ReportDatabaseError(m_rPrompt, L"Unable to rebuild TXT file", kNone, __LINE__, ErrorKind::Fatal);
+}
+
 void CTextureDatabase::CImpl::CommitList()
 {
     m_bListIsCurrent = false;

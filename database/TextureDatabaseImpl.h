@@ -58,6 +58,8 @@ public:
     void PrepareList(std::span<TextureEntry> entries);
     void PrepareListWithout(const std::vector<bool>& isGone);
     void PrepareListText(std::span<const std::byte> text);
+    /// Throws before records move that the list could not follow.
+    void RequireFreeList();
     void CommitList();
     void RewriteList();
     /// Brings the entry appended last into the list: by its line alone while many are stored and the list is

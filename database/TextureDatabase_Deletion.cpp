@@ -118,6 +118,7 @@ DeletionPlan CTextureDeletion::Plan(CacheIndex cache, const IFile& file,
 void CTextureDeletion::Prepare()
 {
     m_rState.PrepareListWithout(m_aGone);
+    m_rState.RequireFreeList();
     for (const CacheIndex cache : kAllCaches)
         if (m_aThumbnails[SlotOf(cache)])
             PrepareThumbnails(cache, *m_aThumbnails[SlotOf(cache)]);

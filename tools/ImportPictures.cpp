@@ -176,8 +176,10 @@ private:
             request.pngHash = ahead.fileHash ? *ahead.fileHash : HashFile(file);
         PreparedTexture prepared = PrepareByRules(m_rDatabase, m_rPlugins, m_rSettings, *picture, name,
                                                   request, *game, std::move(ahead.texture));
-        m_bChanged = true;
+        // A replaced texture is gone even when the new one cannot be stored.
+        m_bChanged = m_bChanged || replaced.has_value();
         const StoreResult result = StoreImported(m_rDatabase, std::move(prepared), request);
+        m_bChanged = true;
         CountImported(m_oCounts, result);
         if (result == StoreResult::Stored && m_nThreads != 0)
             AddKnownPicture(m_rDatabase.Entry(m_rDatabase.EntryCount() - 1));

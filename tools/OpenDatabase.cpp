@@ -150,6 +150,9 @@ bool AreNameHashesWrong(CTextureDatabase& database, int limit)
 
 bool AreThumbnailsWrong(CTextureDatabase& database, CacheIndex cache)
 {
+    // What another program holds cannot be counted, and is not damaged for that.
+    if (database.IsBlocked(cache))
+        return false;
     if (!database.HasThumbnailFile(cache))
         return database.IsOpen(cache) || database.HasToc(cache);
     // Deliberate: every cache is compared with the last one. Thumbnails count too, or a cut file would never

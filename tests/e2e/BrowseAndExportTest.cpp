@@ -109,14 +109,12 @@ TEST_F(BrowseAndExport, StepsToTheDefaultCacheWhenTheNextHasNone)
 {
     m_oMavrel.Tabs().Click(kUncTab);
     m_oMavrel.WaitForPane(6, L"RGBA 565");
-    BringToFront(m_oMavrel.Window());
-    PressKey(VK_TAB, {VK_CONTROL});
-    WaitUntil("tab 3 to be followed by tab 0", [this] { return m_oMavrel.Tabs().Selected() == kDxtTab; });
-    PressKey(VK_TAB, {VK_CONTROL, VK_SHIFT});
-    WaitUntil("tab 0 to be followed backwards by tab 3",
-              [this] { return m_oMavrel.Tabs().Selected() == kUncTab; });
-    PressKey(VK_TAB, {VK_CONTROL, VK_SHIFT});
-    WaitUntil("the default tab", [this] { return m_oMavrel.Tabs().Selected() == kDxtTab; });
+    m_oMavrel.Run(ID_NEXT_TAB);
+    EXPECT_EQ(m_oMavrel.Tabs().Selected(), kDxtTab) << "the one after the last";
+    m_oMavrel.Run(ID_PREVIOUS_TAB);
+    EXPECT_EQ(m_oMavrel.Tabs().Selected(), kUncTab) << "the one before the first";
+    m_oMavrel.Run(ID_PREVIOUS_TAB);
+    EXPECT_EQ(m_oMavrel.Tabs().Selected(), kDxtTab) << "PVR is not there";
 }
 
 TEST_F(BrowseAndExport, NamesTheSelectedCategory)
@@ -127,7 +125,9 @@ TEST_F(BrowseAndExport, NamesTheSelectedCategory)
 
 TEST_F(BrowseAndExport, CountsSeveralSelectedTextures)
 {
-    m_oMavrel.ShowTexture(L"brick_old");
+    // A range begins where the mouse was last.
+    m_oMavrel.Tree().Click(L"brick_old");
+    m_oMavrel.WaitUntilDrawn(L"brick_old");
     m_oMavrel.Tree().Click(L"wall", {VK_SHIFT});
     EXPECT_NO_THROW(m_oMavrel.WaitForPane(0, L"3 items selected"));
     m_oMavrel.Tree().Click(L"leaf", {VK_CONTROL});
@@ -173,8 +173,7 @@ TEST_F(BrowseAndExport, ExportsOneTextureByTheSaveDialog)
     m_oMavrel.Tabs().Click(kUncTab);
     m_oMavrel.WaitForPane(6, L"RGBA 565");
     m_oMavrel.ShowTexture(L"leaf");
-    BringToFront(m_oMavrel.Window());
-    PressKey('E', {VK_CONTROL});
+    m_oMavrel.Command(ID_EXPORT_SELECTION);
     const auto dialog = WaitForFileDialog(m_oMavrel.Id());
     EXPECT_EQ(std::filesystem::path(ProposedName(dialog)).stem(), L"leaf");
     ChooseFiles(dialog, {m_oExports / "chosen name.png"});
@@ -203,9 +202,7 @@ TEST_F(BrowseAndExport, WritesNothingWhenTheSaveDialogIsCancelled)
 
 TEST_F(BrowseAndExport, ExportsASelectionIntoAFolder)
 {
-    m_oMavrel.ShowTexture(L"leaf");
-    m_oMavrel.Tree().Click(L"sign", {VK_CONTROL});
-    m_oMavrel.WaitForPane(0, L"2 items selected");
+    m_oMavrel.Select({L"leaf", L"sign"});
     m_oMavrel.Command(ID_EXPORT_SELECTION);
     ChooseExportFolder();
 

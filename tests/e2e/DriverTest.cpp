@@ -78,6 +78,16 @@ TEST_F(Driver, ClicksATreeItem)
     EXPECT_THAT(Tree().SelectedTexts(), ElementsAre(L"wood \u00FC"));
 }
 
+TEST_F(Driver, SelectsItemsWithoutTheMouse)
+{
+    Tree().Click(L"Second");
+    Tree().Select({L"wood \u00FC", L"brick"});
+    ExpectPane(1, L"data 7");
+    EXPECT_EQ(Tree().FocusedText(), L"wood \u00FC");
+    EXPECT_THAT(Tree().SelectedTexts(), ElementsAre(L"brick", L"wood \u00FC"));
+    EXPECT_THROW(Tree().Select({L"no such item"}), CDriveError);
+}
+
 TEST_F(Driver, HoldsKeysDuringAClick)
 {
     constexpr POINT kEmptyPlace{300, 320};

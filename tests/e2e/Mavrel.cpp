@@ -1,6 +1,8 @@
 #include "tests/e2e/Mavrel.h"
 
+#include <exception>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <optional>
@@ -16,21 +18,15 @@ constexpr wchar_t kTreeClass[] = L"SysTreeView32";
 constexpr wchar_t kTabsClass[] = L"SysTabControl32";
 constexpr wchar_t kStatusClass[] = L"msctls_statusbar32";
 
-std::optional<HWND> FindMainWindow(DWORD process)
+std::optional<MainWindow> FindMainWindow(DWORD process)
 {
-    for (const HWND window : TopWindows(process))
-        if (FindDescendant(window, kTreeClass) && FindDescendant(window, kTabsClass) &&
-            FindDescendant(window, kStatusClass))
-            return window;
+    for (const HWND window : TopWindows(process)) {
+        const MainWindow found{window, FindDescendant(window, kTreeClass), FindDescendant(window, kTabsClass),
+                               FindDescendant(window, kStatusClass)};
+        if (found.tree && found.tabs && found.status)
+            return found;
+    }
     return std::nullopt;
-}
-
-HWND Inside(HWND window, const wchar_t* className)
-{
-    const HWND found = FindDescendant(window, className);
-    if (!found)
-        throw CDriveError("a control of the main window is gone");
-    return found;
 }
 
 }  // namespace
@@ -40,7 +36,21 @@ CInstallation::CInstallation()
     const auto built = FolderOfThisProgram().parent_path() / "bin";
     std::filesystem::copy(built / "mavrel.exe", Program());
     std::filesystem::copy(built / "plugins", m_oFolder / "plugins");
-    std::ofstream(Settings()) << "[global]\nshow_loading_screen=0\n";
+    // In the form in which settings keep every letter.
+    std::ofstream(Settings(), std::ios::binary) << "\xFF\xFE";
+    SetSetting(L"global", L"show_loading_screen", L"0");
+}
+
+void CInstallation::SetSetting(const std::wstring& section, const std::wstring& key,
+                               const std::wstring& value) const
+{
+    if (!::WritePrivateProfileStringW(section.c_str(), key.c_str(), value.c_str(), Settings().c_str()))
+        throw CDriveError("the settings cannot be written");
+}
+
+void CInstallation::AddLanguages() const
+{
+    std::filesystem::copy(FolderOfThisProgram().parent_path() / "bin" / "lang", m_oFolder / "lang");
 }
 
 std::wstring CInstallation::Setting(const std::wstring& section, const std::wstring& key) const
@@ -54,12 +64,13 @@ std::wstring CInstallation::Setting(const std::wstring& section, const std::wstr
 CMavrel::CMavrel(const CInstallation& installation, const std::vector<std::wstring>& arguments)
     : m_oProgram(installation.Program(), arguments)
 {
-    m_hWindow = WaitFor("the main window", [this] { return FindMainWindow(Id()); });
+    m_oMain = WaitFor("the main window", [this] { return FindMainWindow(Id()); });
 }
 
 CMavrel::~CMavrel()
 {
-    if (testing::Test::HasFailure() && m_oProgram.IsRunning()) {
+    const bool hasFailed = testing::Test::HasFailure() || std::uncaught_exceptions() != 0;
+    if (hasFailed && m_oProgram.IsRunning()) {
         try {
             std::cout << ToUtf8(Describe(Id()));
         } catch (const CDriveError& error) {
@@ -70,22 +81,22 @@ CMavrel::~CMavrel()
 
 std::wstring CMavrel::Title() const
 {
-    return TextOf(m_hWindow);
+    return TextOf(m_oMain.window);
 }
 
 CTree CMavrel::Tree() const
 {
-    return CTree(Inside(m_hWindow, kTreeClass));
+    return CTree(m_oMain.tree);
 }
 
 CTabs CMavrel::Tabs() const
 {
-    return CTabs(Inside(m_hWindow, kTabsClass));
+    return CTabs(m_oMain.tabs);
 }
 
 CStatusPanes CMavrel::Panes() const
 {
-    return CStatusPanes(Inside(m_hWindow, kStatusClass));
+    return CStatusPanes(m_oMain.status);
 }
 
 std::vector<std::wstring> CMavrel::Facts() const
@@ -98,7 +109,49 @@ std::vector<std::wstring> CMavrel::Facts() const
 
 void CMavrel::Command(int command) const
 {
-    PostCommand(m_hWindow, command);
+    PostCommand(m_oMain.window, command);
+}
+
+void CMavrel::Run(int command) const
+{
+    Ask(m_oMain.window, WM_COMMAND, static_cast<WPARAM>(command));
+}
+
+void CMavrel::TypeNewName(const std::wstring& name) const
+{
+    Run(ID_RENAME_TEXTURE);
+    Tree().TypeLabel(name);
+}
+
+void CMavrel::Answer(const std::wstring& text, int button) const
+{
+    const auto box = WaitForMessageBox(Id());
+    EXPECT_EQ(box.Text(), text);
+    box.Press(button);
+}
+
+void CMavrel::AcceptError(const std::wstring& text) const
+{
+    const auto box = WaitForMessageBox(Id());
+    EXPECT_EQ(box.Caption(), L"Error");
+    EXPECT_EQ(box.Text(), text);
+    EXPECT_EQ(box.Icon(), BoxIcon::Error);
+    box.Press(IDOK);
+}
+
+void CMavrel::AnswerValue(const ValueStep& step) const
+{
+    const auto dialog = WaitForDialog(Id(), step.title);
+    EXPECT_THAT(dialog.Labels(), testing::ElementsAre(step.label));
+    EXPECT_EQ(dialog.Typed(), step.proposed);
+    dialog.Type(step.typed);
+    dialog.Press(IDOK);
+}
+
+void CMavrel::WaitForItem(const std::wstring& text) const
+{
+    WaitUntil("the tree to show " + ToUtf8(text),
+              [&] { return testing::Value(Tree().Texts(), testing::Contains(text)); });
 }
 
 void CMavrel::WaitUntilDrawn(const std::wstring& texture) const
@@ -109,7 +162,7 @@ void CMavrel::WaitUntilDrawn(const std::wstring& texture) const
 
 void CMavrel::ShowTexture(const std::wstring& texture) const
 {
-    Tree().Click(texture);
+    Select({texture});
     WaitUntilDrawn(texture);
 }
 

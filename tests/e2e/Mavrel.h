@@ -20,9 +20,29 @@ public:
     std::filesystem::path Program() const { return m_oFolder / "mavrel.exe"; }
     std::filesystem::path Settings() const { return m_oFolder / "mavrel.ini"; }
     std::wstring Setting(const std::wstring& section, const std::wstring& key) const;
+    void SetSetting(const std::wstring& section, const std::wstring& key, const std::wstring& value) const;
+    /// Adds the interface languages.
+    void AddLanguages() const;
 
 private:
     CTemporaryFolder m_oFolder;
+};
+
+/// The main window and its controls. They are looked up once: while the program fills a control it is not
+/// visible, and would not be found.
+struct MainWindow {
+    HWND window = nullptr;
+    HWND tree = nullptr;
+    HWND tabs = nullptr;
+    HWND status = nullptr;
+};
+
+/// What a dialog for one value shows, and what is typed into it.
+struct ValueStep {
+    std::wstring title;
+    std::wstring label;
+    std::wstring proposed;
+    std::wstring typed;
 };
 
 /// The running program. Questions that it asks while it opens the list come before the constructor's end:
@@ -36,7 +56,7 @@ public:
     CMavrel& operator=(const CMavrel&) = delete;
 
     DWORD Id() const { return m_oProgram.Id(); }
-    HWND Window() const { return m_hWindow; }
+    HWND Window() const { return m_oMain.window; }
     DWORD WaitForExit() const { return m_oProgram.WaitForExit(); }
 
     std::wstring Title() const;
@@ -47,15 +67,29 @@ public:
     /// Panes 2 to 6: what is known of the selected texture.
     std::vector<std::wstring> Facts() const;
 
-    /// Chooses a menu command.
+    /// Chooses a menu command, which may open a dialog.
     void Command(int command) const;
+    /// Runs a command that opens no dialog to its end.
+    void Run(int command) const;
+    /// Selects items of the tree and no others; the first gets the focus.
+    void Select(std::initializer_list<std::wstring_view> texts) const { Tree().Select(texts); }
+    /// Renames the focused item in the tree, as far as typing the name and Enter.
+    void TypeNewName(const std::wstring& name) const;
+    /// Waits for the message box, expects this text and presses a button.
+    void Answer(const std::wstring& text, int button) const;
+    /// The same for an error box, with its caption and icon, and OK.
+    void AcceptError(const std::wstring& text) const;
+    /// Waits for the dialog for one value, expects what it shows, types the value and confirms.
+    void AnswerValue(const ValueStep& step) const;
+    /// Waits until the tree has an item with this text, indented as by CTree::Texts.
+    void WaitForItem(const std::wstring& text) const;
     /// Waits until pane 0 says that this texture was drawn.
     void WaitUntilDrawn(const std::wstring& texture) const;
-    /// Clicks a texture in the tree and waits until it is drawn.
+    /// Selects a texture in the tree and waits until it is drawn.
     void ShowTexture(const std::wstring& texture) const;
     void WaitForPane(std::size_t pane, const std::wstring& text) const;
 
 private:
     CProgram m_oProgram;
-    HWND m_hWindow = nullptr;
+    MainWindow m_oMain;
 };

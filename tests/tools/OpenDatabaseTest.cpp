@@ -112,6 +112,16 @@ TEST(ListPathOf, KeepsEveryOtherPath)
 
 // Opening.
 
+TEST_F(OpenDatabase, FindsNoDamageInACacheThatAnotherProgramHolds)
+{
+    Make({L"a", L"b"});
+    const auto held = DiskFileSystem().Open(File("unc.dat"), OpenMode::Exclusive);
+    ASSERT_NE(held, nullptr);
+    EXPECT_EQ(Open(), OpenResult::Opened);
+    EXPECT_TRUE(m_pDatabase->IsBlocked(CacheIndex::Unc));
+    EXPECT_TRUE(Check().IsClean());
+}
+
 TEST_F(OpenDatabase, OpensASoundDatabaseWithoutAWord)
 {
     Make({L"first", L"second"});

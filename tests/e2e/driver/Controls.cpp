@@ -24,6 +24,15 @@ POINT MiddleOf(const RECT& area)
     return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
 }
 
+const TreeItem& ItemNamed(const std::vector<TreeItem>& items, std::wstring_view text)
+{
+    const auto found =
+        std::find_if(items.begin(), items.end(), [&](const TreeItem& item) { return item.text == text; });
+    if (found == items.end())
+        throw CDriveError("no such item in the tree");
+    return *found;
+}
+
 }  // namespace
 
 HTREEITEM CTree::Next(WPARAM relation, HTREEITEM item) const
@@ -88,20 +97,60 @@ std::optional<std::wstring> CTree::FocusedText() const
     return Read(item, 0).text;
 }
 
-void CTree::Click(std::wstring_view text, std::initializer_list<WORD> heldKeys) const
+void CTree::SetSelected(HTREEITEM item, bool selected) const
+{
+    const CRemoteMemory memory(m_hControl, sizeof(TVITEMW));
+    TVITEMW change{};
+    change.mask = TVIF_STATE | TVIF_HANDLE;
+    change.hItem = item;
+    change.stateMask = TVIS_SELECTED;
+    change.state = selected ? TVIS_SELECTED : 0;
+    memory.Put(0, change);
+    Ask(m_hControl, TVM_SETITEMW, 0, memory.AsParameter());
+}
+
+void CTree::Select(std::initializer_list<std::wstring_view> texts) const
 {
     const auto items = Items();
-    const auto found =
-        std::find_if(items.begin(), items.end(), [&](const TreeItem& item) { return item.text == text; });
-    if (found == items.end())
-        throw CDriveError("no such item in the tree");
-    Ask(m_hControl, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(found->handle));  // NOLINT
+    std::vector<HTREEITEM> chosen;
+    for (const std::wstring_view text : texts)
+        chosen.push_back(ItemNamed(items, text).handle);
+    for (const TreeItem& item : items)
+        if (item.isSelected && item.handle != chosen.front())
+            SetSelected(item.handle, false);
+    const auto first = reinterpret_cast<LPARAM>(chosen.front());  // NOLINT: how the message is defined
+    Ask(m_hControl, TVM_SELECTITEM, TVGN_CARET, first);
+    for (const HTREEITEM item : chosen)
+        SetSelected(item, true);
+}
+
+POINT CTree::PlaceOf(std::wstring_view text) const
+{
+    const auto items = Items();
+    const TreeItem& item = ItemNamed(items, text);
+    Ask(m_hControl, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item.handle));  // NOLINT
     const CRemoteMemory memory(m_hControl, sizeof(RECT));
     // The message finds the item's handle where it puts the rectangle; TRUE asks for the text alone.
-    memory.Put(0, found->handle);
+    memory.Put(0, item.handle);
     if (!Ask(m_hControl, TVM_GETITEMRECT, TRUE, memory.AsParameter()))
         throw CDriveError("the item is not to be seen");
-    ClickAt(m_hControl, MiddleOf(memory.Get<RECT>(0)), heldKeys);
+    return MiddleOf(memory.Get<RECT>(0));
+}
+
+void CTree::Click(std::wstring_view text, std::initializer_list<WORD> heldKeys) const
+{
+    ClickAt(m_hControl, PlaceOf(text), heldKeys);
+}
+
+void CTree::TypeLabel(const std::wstring& text) const
+{
+    const HWND field = WaitFor("a label to be edited", [this] {
+        const auto editor = reinterpret_cast<HWND>(Ask(m_hControl, TVM_GETEDITCONTROL));  // NOLINT
+        return editor ? std::optional(editor) : std::nullopt;
+    });
+    Ask(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));  // NOLINT: Windows translates this one
+    ::PostMessageW(field, WM_KEYDOWN, VK_RETURN, 0);
+    WaitUntil("the label to be taken", [field] { return !::IsWindow(field); });
 }
 
 std::vector<std::wstring> CTabs::Texts() const

@@ -6,6 +6,7 @@
 #include <optional>
 #include <shlobj.h>
 
+#include "tests/e2e/driver/Input.h"
 #include "tests/e2e/driver/RemoteMemory.h"
 #include "tests/e2e/driver/Screen.h"
 #include "tests/e2e/driver/Wait.h"
@@ -89,6 +90,14 @@ void SetFieldText(HWND field, const std::wstring& text)
     Ask(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));  // NOLINT: Windows translates this one
 }
 
+HWND EditField(HWND dialog)
+{
+    return WaitFor("an edit field", [dialog] {
+        const HWND field = FindDescendant(dialog, L"Edit");
+        return field ? std::optional(field) : std::nullopt;
+    });
+}
+
 }  // namespace
 
 std::wstring COpenDialog::Caption() const
@@ -117,14 +126,14 @@ std::vector<std::wstring> COpenDialog::Buttons() const
     return captions;
 }
 
+std::wstring COpenDialog::Typed() const
+{
+    return TextOf(EditField(m_hWindow));
+}
+
 void COpenDialog::Type(const std::wstring& text) const
 {
-    SetFieldText(WaitFor("an edit field",
-                         [this] {
-                             const HWND field = FindDescendant(m_hWindow, L"Edit");
-                             return field ? std::optional(field) : std::nullopt;
-                         }),
-                 text);
+    SetFieldText(EditField(m_hWindow), text);
 }
 
 void COpenDialog::Press(int button) const
@@ -165,6 +174,23 @@ COpenMessageBox WaitForMessageBox(DWORD process)
     return COpenMessageBox(WaitForSuch("a message box", process, IsMessageBox));
 }
 
+void ChooseByContextMenu(HWND window, HWND control, WORD accessKey)
+{
+    constexpr std::wstring_view kMenuClass = L"#32768";
+    DWORD process = 0;
+    ::GetWindowThreadProcessId(window, &process);
+    const auto isMenuOpen = [process, kMenuClass] {
+        const auto windows = TopWindows(process);
+        return std::any_of(windows.begin(), windows.end(),
+                           [kMenuClass](HWND top) { return ClassOf(top) == kMenuClass; });
+    };
+    BringToFront(window);
+    ::PostMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(control), -1);  // NOLINT: as defined
+    WaitUntil("the context menu", isMenuOpen);
+    PressKey(accessKey);
+    WaitUntil("the context menu to close", [&] { return !isMenuOpen(); });
+}
+
 bool HasMessageBox(DWORD process)
 {
     return FindDialog(process, IsMessageBox).has_value();
@@ -190,7 +216,7 @@ void ChooseFiles(const COpenDialog& fileDialog, const std::vector<std::filesyste
 {
     std::wstring text;
     for (const auto& file : files)
-        text += (text.empty() ? L"\"" : L" \"") + file.wstring() + L"\"";
+        text += (text.empty() ? L"\"" : L" \"") + file.filename().wstring() + L"\"";
     SetFieldText(FileNameField(fileDialog.Handle()), files.size() == 1 ? files.front().wstring() : text);
     fileDialog.Press(IDOK);
 }

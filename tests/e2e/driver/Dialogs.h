@@ -23,6 +23,8 @@ public:
     std::vector<std::wstring> Labels() const;
     /// The captions of the push buttons, without access keys.
     std::vector<std::wstring> Buttons() const;
+    /// What stands in the first edit field.
+    std::wstring Typed() const;
     /// Fills the first edit field.
     void Type(const std::wstring& text) const;
     /// Presses the button with this id (IDOK, IDYES...) and waits until the dialog is gone.
@@ -44,6 +46,9 @@ public:
 
 /// The message box that opens, or is open.
 COpenMessageBox WaitForMessageBox(DWORD process);
+/// Asks the window for the context menu of the focused item, as the keyboard does, and chooses the command
+/// with that access key.
+void ChooseByContextMenu(HWND window, HWND control, WORD accessKey);
 /// True while a message box is open.
 bool HasMessageBox(DWORD process);
 /// The dialog of the program's own with that caption.
@@ -52,7 +57,8 @@ COpenDialog WaitForDialog(DWORD process, const std::wstring& caption);
 COpenDialog WaitForFileDialog(DWORD process);
 /// What stands in the file name field.
 std::wstring ProposedName(const COpenDialog& fileDialog);
-/// Types the paths and confirms. Several are quoted, as a person would for a multiple choice.
+/// Types the path and confirms; several are typed as quoted names of the folder that the dialog shows, which
+/// must be theirs.
 void ChooseFiles(const COpenDialog& fileDialog, const std::vector<std::filesystem::path>& files);
 /// The folder browser.
 COpenDialog WaitForFolderDialog(DWORD process);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "tests/e2e/driver/Wait.h"
+#include "tests/e2e/driver/WindowLookup.h"
 
 namespace {
 
@@ -41,6 +42,21 @@ void SendHeld(std::initializer_list<WORD> heldKeys, const std::vector<INPUT>& mi
         throw CDriveError("input was refused");
 }
 
+// A window that the pointer enters, or that comes to the front, takes over which keys the display believes to
+// be down, and forgets the held ones. So that comes first, and the window gets the time to hear of it.
+void LetTheDisplaySettle(HWND window, POINT screen)
+{
+    constexpr int kRounds = 5;
+    for (int round = 0; round < kRounds; ++round) {
+        SendHeld({}, {ButtonInput(0, screen)});
+        WaitUntil("the pointer to arrive", [screen] {
+            POINT now{};
+            return ::GetCursorPos(&now) && now.x == screen.x && now.y == screen.y;
+        });
+        Ask(window, WM_NULL);
+    }
+}
+
 }  // namespace
 
 void BringToFront(HWND window)
@@ -57,6 +73,8 @@ void ClickAt(HWND window, POINT point, std::initializer_list<WORD> heldKeys)
 {
     BringToFront(::GetAncestor(window, GA_ROOT));
     ::ClientToScreen(window, &point);
+    if (heldKeys.size() != 0)
+        LetTheDisplaySettle(window, point);
     SendHeld(heldKeys, {ButtonInput(MOUSEEVENTF_LEFTDOWN, point), ButtonInput(MOUSEEVENTF_LEFTUP, point)});
 }
 

@@ -18,7 +18,8 @@ CRemoteMemory::CRemoteMemory(HWND window, std::size_t bytes)
 
 CRemoteMemory::~CRemoteMemory()
 {
-    ::VirtualFreeEx(m_hProcess, m_pMemory, 0, MEM_RELEASE);
+    if (!m_bStays)
+        ::VirtualFreeEx(m_hProcess, m_pMemory, 0, MEM_RELEASE);
     ::CloseHandle(m_hProcess);
 }
 

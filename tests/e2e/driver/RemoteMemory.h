@@ -20,6 +20,9 @@ public:
     void* At(std::size_t offset = 0) const { return static_cast<std::byte*>(m_pMemory) + offset; }
     LPARAM AsParameter(std::size_t offset = 0) const;
 
+    /// The memory stays over there when this object goes, for a receiver that reads it later.
+    void Leave() { m_bStays = true; }
+
     void Write(std::size_t offset, const void* from, std::size_t bytes) const;
     void Read(std::size_t offset, void* to, std::size_t bytes) const;
     template <class T>
@@ -40,4 +43,5 @@ public:
 private:
     HANDLE m_hProcess = nullptr;
     void* m_pMemory = nullptr;
+    bool m_bStays = false;
 };

@@ -57,6 +57,15 @@ private:
     void* m_pPixels = nullptr;
 };
 
+std::vector<std::uint32_t> ScreenPixels(POINT corner, SIZE size)
+{
+    const CCanvas canvas(size);
+    const HDC screen = ::GetDC(nullptr);
+    ::BitBlt(canvas.Device(), 0, 0, size.cx, size.cy, screen, corner.x, corner.y, SRCCOPY);
+    ::ReleaseDC(nullptr, screen);
+    return canvas.Pixels();
+}
+
 std::uint64_t Difference(const std::vector<std::uint32_t>& one, const std::vector<std::uint32_t>& other)
 {
     std::uint64_t sum = 0;
@@ -84,14 +93,18 @@ std::vector<std::uint32_t> DrawnIcon(const wchar_t* name, SIZE size, std::uint32
 
 std::vector<std::uint32_t> PixelsOf(HWND window)
 {
-    const SIZE size = ClientSize(window);
     POINT corner{0, 0};
     ::ClientToScreen(window, &corner);
-    const CCanvas canvas(size);
-    const HDC screen = ::GetDC(nullptr);
-    ::BitBlt(canvas.Device(), 0, 0, size.cx, size.cy, screen, corner.x, corner.y, SRCCOPY);
-    ::ReleaseDC(nullptr, screen);
-    return canvas.Pixels();
+    return ScreenPixels(corner, ClientSize(window));
+}
+
+std::vector<std::uint32_t> MenuBarPixels(HWND window)
+{
+    POINT corner{0, 0};
+    ::ClientToScreen(window, &corner);
+    constexpr int kWidth = 300;
+    const int height = ::GetSystemMetrics(SM_CYMENU);
+    return ScreenPixels({corner.x, corner.y - height}, {kWidth, height});
 }
 
 SystemIcon SystemIconIn(HWND window)

@@ -12,5 +12,7 @@ enum class SystemIcon { Information, Question, Warning, Error };
 
 /// The pixels, 0x00RRGGBB, that the screen shows inside the client area of a window, row by row.
 std::vector<std::uint32_t> PixelsOf(HWND window);
+/// The pixels at the left end of a window's menu bar, where the menus are.
+std::vector<std::uint32_t> MenuBarPixels(HWND window);
 /// The system icon that the window shows. Waits until one is painted.
 SystemIcon SystemIconIn(HWND window);
