@@ -80,7 +80,8 @@ void CDlgMain::OpenRecent(UINT command)
     if (position >= files.size())
         return;
     OpenAndSelect(files[position]);
-    if (m_pDatabase)
+    // A list that is only held by another program stays in the menu.
+    if (m_pDatabase || m_oParts.files.Exists(files[position]))
         return;
     m_oRecentFiles.Remove(files[position]);
     m_oRecentFiles.Show(Menu(), String(IDS_NO_RECENT_FILES));

@@ -72,14 +72,12 @@ void CDlgMain::ShowLanguage(LanguageChange change)
     TakeTextsFromTemplate(*this, m_oParts.resources.Current(), IDD_MAIN);
     m_oProgress.SetText(String(IDS_PROGRESS));
     m_oProperties.UpdateTexts();
-    if (m_pDatabase) {
-        RefillTree();
-    } else {
+    RefillTree();
+    if (change == LanguageChange::Failed)
+        return;
+    if (!m_pDatabase)
         ShowEmptyTitle();
-        Status(String(IDS_CACHE_UNLOADED));
-    }
-    if (change == LanguageChange::Changed)
-        Status(String(IDS_LANGUAGE_CHANGED));
+    Status(String(IDS_LANGUAGE_CHANGED));
 }
 
 // ---- Context menus ----

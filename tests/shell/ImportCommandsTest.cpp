@@ -232,6 +232,18 @@ TEST_F(CImportCommands, ListDatabasesThatWereOpenNewestFirst)
     EXPECT_EQ(m_pWindow->Text(), L"a&b.txt - Mavrel 0.7b x64");
 }
 
+TEST_F(CImportCommands, KeepARecentDatabaseThatAnotherProgramHolds)
+{
+    SmallDatabase().Write(m_oFolder / "held.txt");
+    m_pSettings->WriteString(L"recent", L"1", (m_oFolder / "held.txt").native());
+    Start();
+    const auto held = DiskFileSystem().Open(m_oFolder / "held.txt", OpenMode::Exclusive);
+    ASSERT_NE(held, nullptr);
+    Command(ID_RECENT_FIRST);
+    EXPECT_TRUE(TreeLines().empty());
+    EXPECT_EQ(Menu().Text(ID_RECENT_FIRST), L"&1 " + (m_oFolder / "held.txt").native());
+}
+
 TEST_F(CImportCommands, ForgetARecentDatabaseThatIsGone)
 {
     m_pSettings->WriteString(L"recent", L"1", (m_oFolder / "gone.txt").native());
