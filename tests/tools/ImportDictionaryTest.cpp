@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <deque>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <span>
 
 #include "tests/codec/TestDatabase.h"
+#include "tests/support/DatabaseBuilder.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/MemoryFileSystem.h"
 #include "tests/support/RecordingFailures.h"
@@ -132,11 +132,6 @@ protected:
         std::string line = EntryLine(entry);
         line.erase(line.find_last_not_of("\r\n") + 1);
         return line;
-    }
-    std::string ListText() const
-    {
-        std::ifstream in(m_oDatabase.ListPath(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
     std::vector<std::byte> Raster(std::uint32_t index)
     {
@@ -448,10 +443,14 @@ TEST_F(ImportDictionary, KeepsTheOldTextureWhenTheNewOneCannotBeImported)
 TEST_F(ImportDictionary, KeepsTheOldTextureWhenTheDuplicateCannotBeNamed)
 {
     Run({Shade("wall", 1), Shade("good", 2)});
-    std::string list = ListText();
+    // A list with such a name comes from elsewhere; this one is held open.
+    FileBytes files = FilesOf(m_oDatabase.Folder().Path());
+    std::string list = TextOf(files.at("mobile.txt"));
     list[list.find("wall")] = '\x01';
-    std::ofstream(m_oDatabase.ListPath(), std::ios::binary) << list;
-    m_oDatabase->Reload();
+    files["mobile.txt"] = BytesOf(list);
+    std::filesystem::create_directory(m_oDatabase.Folder() / "foreign");
+    WriteFiles(m_oDatabase.Folder() / "foreign", files);
+    m_oDatabase->Open(m_oDatabase.Folder() / "foreign" / "mobile.txt");
     ASSERT_THAT(Names(), ElementsAre(L"\x01"
                                      L"all",
                                      L"good"));
