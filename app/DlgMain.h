@@ -75,15 +75,6 @@ private:
     void BindViewCommands();
     void BindOptionCommands();
     void BindEditCommands();
-    void CreateControls();
-    void FillGameList();
-    void CreateProperties();
-    void ApplyPreviewSettings();
-    void Layout();
-    void LayoutColumn(const RECT& column);
-    void OnMinMaxInfo(MINMAXINFO& info) const;
-    void OnDpiChanged(const RECT& place);
-    void OnTreeDrawsItem(TVITEMW& item);
     void OnReturnKey();
     void Exit();
     void Enable(UINT command, bool enabled) const { Menu().Enable(command, enabled); }
@@ -94,6 +85,17 @@ private:
     /// Runs a step of a longer operation; what it throws is reported, and the operation goes on.
     void Attempt(const std::function<void()>& step);
     void Status(const std::wstring& text) const { m_oStatus.SetPane(0, text); }
+
+    // DlgMainLayout.cpp: the controls and their places.
+    void CreateControls();
+    void FillGameList();
+    void CreateProperties();
+    void ApplyPreviewSettings();
+    void Layout();
+    void LayoutColumn(const RECT& column);
+    void OnMinMaxInfo(MINMAXINFO& info) const;
+    void OnDpiChanged(const RECT& place);
+    void OnTreeDrawsItem(TVITEMW& item);
 
     // DlgMainMenus.cpp: the menus and their states, the languages.
     void LoadMenu();
@@ -108,6 +110,8 @@ private:
     // DlgMainCache.cpp: opening, creating and closing.
     void AskAndOpen();
     void AskAndCreate();
+    /// The database goes, and nothing of it stays in the controls that are edited in.
+    void LetGoOfDatabase();
     void Close();
     void CloseByCommand();
     void Reload();

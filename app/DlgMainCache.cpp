@@ -34,13 +34,20 @@ bool CDlgMain::HasDatabaseOrSaysSo()
     return m_pDatabase != nullptr;
 }
 
+void CDlgMain::LetGoOfDatabase()
+{
+    // A value or a label that is being typed must not end up in the next database.
+
+    m_oTree.Clear();
+    m_oNewLabel = {};
+    m_pDatabase.reset();
+}
+
 void CDlgMain::Close()
 {
-    m_oTree.Clear();
+    LetGoOfDatabase();
     m_oPreview.ShowBitmap(std::nullopt);
-    m_pDatabase.reset();
     ClearFacts();
-    ShowProperties();
     m_bHasSearched = false;
     ShowMenuState();
     ShowEmptyTitle();
@@ -95,8 +102,7 @@ void CDlgMain::RememberRecent(const std::filesystem::path& list)
 
 void CDlgMain::OpenByPath(const std::filesystem::path& chosen)
 {
-    m_oTree.Clear();
-    m_pDatabase.reset();
+    LetGoOfDatabase();
     const auto started = std::chrono::steady_clock::now();
     const std::filesystem::path list = ListPathOf(chosen);
     SetText(Format(String(IDS_TITLE_CACHE), list.filename().native()));

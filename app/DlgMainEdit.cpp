@@ -71,7 +71,7 @@ void CDlgMain::ChangeCategoryProperty(UINT command)
         m_oParts.dialogs.AskValue({.title = String(IDS_CATEGORY_PROPERTIES),
                                    .label = std::wstring(KeyText(property)),
                                    .proposed = ValueText(m_pDatabase->Categories()[*category], property)});
-    const auto value = answer ? ParseCategoryNumber(*answer) : std::nullopt;
+    const auto value = answer ? ParseCategoryAnswer(*answer) : std::nullopt;
     if (value)
         ::ChangeCategoryProperty(*m_pDatabase, *category, property, *value);
     ShowProperties();

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "app/resource.h"
-#include "base/Text.h"
 #include "ui/Dpi.h"
 
 namespace {
@@ -316,7 +315,7 @@ void CPropertiesPanel::CommitTexture(const PropertyRow& row, const std::wstring&
 
 void CPropertiesPanel::CommitCategory(const PropertyRow& row, const std::wstring& text) const
 {
-    const auto value = ParseCategoryNumber(Trim(text));
+    const auto value = ParseCategoryAnswer(text);
     if (value && m_fnCategoryEdit)
         m_fnCategoryEdit(m_nIndex, static_cast<CategoryProperty>(row.property), *value);
 }

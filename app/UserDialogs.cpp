@@ -1,52 +1,52 @@
 #include "app/UserDialogs.h"
 
-#include "app/DlgAbout.h"
-#include "app/DlgAliases.h"
+#include "dialogs/DlgAbout.h"
+#include "dialogs/DlgAliases.h"
 
 std::optional<std::wstring> CUserDialogs::AskValue(const ValueRequest& request)
 {
     CDlgValue dialog(request);
-    if (dialog.DoModal(m_rResources.Current(), m_oOwner.Handle()) != IDOK)
+    if (dialog.DoModal(m_rResources.Current(), Owner()) != IDOK)
         return std::nullopt;
     return dialog.Value();
 }
 
 std::optional<std::filesystem::path> CUserDialogs::OpenFile(const FileRequest& request)
 {
-    return AskFileToOpen(m_oOwner.Handle(), request);
+    return AskFileToOpen(Owner(), request);
 }
 
 std::vector<std::filesystem::path> CUserDialogs::OpenFiles(const FileRequest& request)
 {
-    return AskFilesToOpen(m_oOwner.Handle(), request);
+    return AskFilesToOpen(Owner(), request);
 }
 
 std::optional<std::filesystem::path> CUserDialogs::SaveFile(const FileRequest& request)
 {
-    return AskFileToSave(m_oOwner.Handle(), request);
+    return AskFileToSave(Owner(), request);
 }
 
 std::optional<std::wstring> CUserDialogs::BrowseFolder(const std::wstring& title, const std::wstring& initial)
 {
     std::wstring folder = initial;
-    if (BrowseForFolder(m_oOwner.Handle(), title, folder) != 1)
+    if (BrowseForFolder(Owner(), title, folder) != 1)
         return std::nullopt;
     return folder;
 }
 
 std::optional<COLORREF> CUserDialogs::PickColor(COLORREF proposed)
 {
-    return AskColor(m_oOwner.Handle(), proposed);
+    return AskColor(Owner(), proposed);
 }
 
 void CUserDialogs::ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture,
                                  RelationKind kind, IEditorHost& host)
 {
-    CDlgAliases({m_rResources, database, host, m_rPrompt}, kind, texture).Run(m_oOwner.Handle());
+    CDlgAliases({m_rResources, database, host, m_rPrompt}, kind, texture).Run(Owner());
 }
 
 void CUserDialogs::ShowAbout()
 {
     CDlgAbout dialog(m_rResources);
-    dialog.DoModal(m_rResources.Current(), m_oOwner.Handle());
+    dialog.DoModal(m_rResources.Current(), Owner());
 }

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "app/DlgValue.h"
 #include "app/Resources.h"
+#include "dialogs/DlgValue.h"
 #include "tools/EditorHost.h"
 #include "tools/TextureRelations.h"
 #include "ui/FileDialog.h"
@@ -53,6 +53,8 @@ public:
     void ShowAbout() override;
 
 private:
+    HWND Owner() const { return m_oOwner.TopPopup().Handle(); }
+
     const CResources& m_rResources;
     IPrompt& m_rPrompt;
     CWindow m_oOwner;

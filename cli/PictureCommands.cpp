@@ -16,6 +16,7 @@
 #include "base/Format.h"
 #include "base/Text.h"
 #include "cli/Command.h"
+#include "cli/ExportWords.h"
 #include "cli/ImportWords.h"
 #include "tools/ExportPictures.h"
 #include "tools/ImportPictures.h"
@@ -119,23 +120,6 @@ ExportRequest ReadExportRequest(const CTextureDatabase& database, const CArgumen
     return request;
 }
 
-void WriteExportCounts(const CSession& session, const ExportCounts& counts)
-{
-    if (!session.Options().json) {
-        WriteOutput(
-            Format(L"%u exported, %u skipped, %u failed\n", counts.exported, counts.skipped, counts.failed));
-        return;
-    }
-    CJsonWriter json;
-    json.BeginObject()
-        .Field(L"exported", counts.exported)
-        .Field(L"skipped", counts.skipped)
-        .Field(L"failed", counts.failed)
-        .Field(L"not_saved", counts.notSaved)
-        .EndObject();
-    WriteOutput(json.Document());
-}
-
 ExitCode RunExport(CSession& session, const CArguments& arguments)
 {
     const auto folder = arguments.Value(L"--out");
@@ -154,7 +138,9 @@ ExitCode RunExport(CSession& session, const CArguments& arguments)
         throw CError(Format(L"The folder %s cannot be created.", *folder));
     const ExportCounts counts =
         ExportTextures(database, session.Plugins(), entries, request, ToPath(*folder), session.Progress());
-    WriteExportCounts(session, counts);
+    WriteExportCounts(
+        session, counts,
+        Format(L"%u exported, %u skipped, %u failed\n", counts.exported, counts.skipped, counts.failed));
     if (counts.failed != 0)
         WriteMessage(ExportFailureText(counts));
     if (counts.notSaved != 0)

@@ -14,6 +14,7 @@
 #include "base/Format.h"
 #include "base/Text.h"
 #include "cli/Command.h"
+#include "cli/ExportWords.h"
 #include "cli/ImportWords.h"
 #include "rw/Messages.h"
 #include "rw/SectionName.h"
@@ -138,22 +139,6 @@ ExitCode RunList(CSession& session, const CArguments& arguments)
     return failures.Code();
 }
 
-void WriteCounts(const CSession& session, const ExportCounts& counts)
-{
-    if (!session.Options().json) {
-        WriteOutput(Format(L"%u exported, %u failed\n", counts.exported, counts.failed));
-        return;
-    }
-    CJsonWriter json;
-    json.BeginObject()
-        .Field(L"exported", counts.exported)
-        .Field(L"skipped", counts.skipped)
-        .Field(L"failed", counts.failed)
-        .Field(L"not_saved", counts.notSaved)
-        .EndObject();
-    WriteOutput(json.Document());
-}
-
 ExitCode RunExport(CSession& session, const CArguments& arguments)
 {
     const std::wstring folder = RequireOption(arguments, L"--out");
@@ -170,7 +155,7 @@ ExitCode RunExport(CSession& session, const CArguments& arguments)
         throw CError(Format(L"The folder %s cannot be created.", folder));
     const ExportCounts counts =
         ExportDictionary(helper, AllTextures(helper), ToPath(folder), *format, extension, session.Progress());
-    WriteCounts(session, counts);
+    WriteExportCounts(session, counts, Format(L"%u exported, %u failed\n", counts.exported, counts.failed));
     if (counts.failed != 0)
         WriteMessage(ExportFailureText(counts));
     if (counts.notSaved != 0)

@@ -164,6 +164,11 @@ std::optional<std::int32_t> ParseCategoryNumber(std::wstring_view text)
     return static_cast<std::int32_t>(*value);
 }
 
+std::optional<std::int32_t> ParseCategoryAnswer(std::wstring_view text)
+{
+    return ParseCategoryNumber(Trim(text));
+}
+
 bool ChangeCategoryProperty(CTextureDatabase& database, std::uint32_t category, CategoryProperty property,
                             std::int32_t value)
 {

@@ -68,6 +68,8 @@ std::int32_t* FieldOf(TextureCategory& category, CategoryProperty property);
 std::wstring ValueText(const TextureCategory& category, CategoryProperty property);
 /// A decimal of 32 bits; nothing for text that is no such number.
 std::optional<std::int32_t> ParseCategoryNumber(std::wstring_view text);
+/// What a person typed: blanks around the number do not count.
+std::optional<std::int32_t> ParseCategoryAnswer(std::wstring_view text);
 /// Neither the name, which has a command of its own, nor the number, which follows from the order.
 constexpr bool CanChange(CategoryProperty property)
 {

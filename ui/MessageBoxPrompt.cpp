@@ -68,7 +68,7 @@ PromptAnswer CMessageBoxPrompt::Show(const PromptBox& box)
 {
     // A box without an owner must still come to the front.
     const UINT place = m_oOwner.Exists() ? 0 : MB_TASKMODAL | MB_SETFOREGROUND;
-    const HWND owner = m_oOwner.Exists() ? m_oOwner.Handle() : nullptr;
+    const HWND owner = m_oOwner.Exists() ? m_oOwner.TopPopup().Handle() : nullptr;
     const UINT flags = IconFlag(box.icon) | ButtonsFlag(box.buttons) | DefaultFlag(box) | place;
     switch (::MessageBoxW(owner, box.text.c_str(), box.caption.c_str(), flags)) {
         case IDYES:

@@ -41,6 +41,9 @@ public:
     RECT WindowRect() const;
     void Redraw() const { ::InvalidateRect(m_hWindow, nullptr, FALSE); }
     CWindow Child(int id) const { return CWindow(::GetDlgItem(m_hWindow, id)); }
+    /// The dialog that stands in front of this window, or this window: what owns the next box, because a box
+    /// lets its owner be used again when it closes.
+    CWindow TopPopup() const { return CWindow(::GetLastActivePopup(m_hWindow)); }
 
 private:
     HWND m_hWindow = nullptr;

@@ -1,25 +1,37 @@
 #include "base/OrderedPipeline.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <gtest/gtest.h>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 
 namespace {
 
-/// A gate that tasks wait at until the test opens it.
+/// A gate that tasks wait at until the test opens it. Not an atomic's own wait, which can miss its wake-up
+/// in the standard library of the Windows builds.
 class CGate {
 public:
     void Open()
     {
-        m_bOpen = true;
-        m_bOpen.notify_all();
+        {
+            const std::lock_guard lock(m_oMutex);
+            m_bOpen = true;
+        }
+        m_oOpened.notify_all();
     }
-    void Wait() const { m_bOpen.wait(false); }
+    void Wait()
+    {
+        std::unique_lock lock(m_oMutex);
+        m_oOpened.wait(lock, [this] { return m_bOpen; });
+    }
 
 private:
-    std::atomic<bool> m_bOpen = false;
+    std::mutex m_oMutex;
+    std::condition_variable m_oOpened;
+    bool m_bOpen = false;
 };
 
 void SpinUntil(const std::atomic<int>& number, int value)

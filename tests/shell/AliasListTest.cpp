@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/DlgAliases.h"
+#include "dialogs/DlgAliases.h"
 #include "app/resource.h"
 #include "base/Format.h"
 #include "tests/database/DatabaseFixture.h"

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/shell/MainWindowFixture.h"
+#include "ui/ListView.h"
 
 namespace {
 
@@ -427,6 +428,56 @@ TEST_F(CEditCommands, IgnoreTheNameAndTheAffiliateAsProperties)
     Command(ID_TEXTURE_PROPERTY + 20);
     EXPECT_EQ(List(), before);
     EXPECT_THAT(m_oDialogs.values, IsEmpty());
+}
+
+// ---- Values that are being typed ----
+
+// A box takes the focus away from whatever is being typed.
+class CFocusTakingPrompt final : public IPrompt {
+public:
+    PromptAnswer Show(const PromptBox&) override
+    {
+        ::SetFocus(nullptr);
+        ++m_nShown;
+        return PromptAnswer::No;
+    }
+    int Shown() const { return m_nShown; }
+
+private:
+    int m_nShown = 0;
+};
+
+TEST_F(CEditCommands, KeepWhatIsBeingTypedAwayFromTheNextDatabase)
+{
+    Start();
+    m_pWindow.reset();
+    CFocusTakingPrompt prompt;
+    m_pWindow =
+        std::make_unique<CDlgMain>(MainWindowParts{m_oResources, *m_pLanguages, m_oTranslator, *m_pSettings,
+                                                   m_oPlugins, DiskFileSystem(), prompt, m_oDialogs});
+    ASSERT_TRUE(m_pWindow->Open());
+    OpenDatabase(SmallDatabase());
+    SmallDatabase().Write(m_oFolder / "damaged.txt");
+    std::filesystem::resize_file(m_oFolder / "damaged.dxt.toc", 4);
+    const FileBytes before = FilesOf(m_oFolder.Path());
+
+    const CWindow panel = m_pWindow->Child(IDC_PROPERTIES);
+    CListView list;
+    list.Attach(panel.Child(IDC_PROPERTIES_LIST).Handle());
+    list.Focus();
+    constexpr int kWidthRow = 17;
+    ASSERT_EQ(list.ItemText(kWidthRow, 0), L"width");
+    list.SetFocused(kWidthRow);
+    list.Send(WM_KEYDOWN, VK_F2);
+    const CWindow field = panel.Child(IDC_PROPERTIES_FIELD);
+    ASSERT_TRUE(field.IsVisible());
+    field.SetText(L"77");
+    m_pWindow->OpenAndSelect(m_oFolder / "damaged.txt");
+    EXPECT_GE(prompt.Shown(), 1);
+    EXPECT_FALSE(field.IsVisible());
+    EXPECT_TRUE(FilesOf(m_oFolder.Path()).at("textures.txt") == before.at("textures.txt"));
+    EXPECT_TRUE(FilesOf(m_oFolder.Path()).at("damaged.txt") == before.at("damaged.txt"));
+    m_pWindow.reset();
 }
 
 // ---- Context menus ----

@@ -46,10 +46,11 @@ CProgram::CProgram(const std::filesystem::path& program, const std::vector<std::
     const BOOL isStarted =
         ::CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, redirected ? TRUE : FALSE, 0,
                          nullptr, nullptr, &startup, &started);
+    const DWORD error = ::GetLastError();
     if (redirected)
         ::CloseHandle(redirected);
     if (!isStarted)
-        throw CDriveError("cannot start " + program.string());
+        throw CDriveError("cannot start " + program.string() + ", error " + std::to_string(error));
     ::CloseHandle(started.hThread);
     m_hProcess = started.hProcess;
     m_nId = started.dwProcessId;

@@ -1,4 +1,4 @@
-#include "app/DlgAbout.h"
+#include "dialogs/DlgAbout.h"
 
 #include "app/resource.h"
 #include "base/Format.h"

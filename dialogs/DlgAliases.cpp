@@ -1,4 +1,4 @@
-#include "app/DlgAliases.h"
+#include "dialogs/DlgAliases.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "app/DlgValue.h"
+#include "dialogs/DlgValue.h"
 
 #include "app/resource.h"
 
