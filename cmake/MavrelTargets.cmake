@@ -3,7 +3,8 @@
 #   mavrel_target(NAME)                        applies the project's compile settings to any target
 #   mavrel_library(NAME SOURCES... LIBS ...)   one static library a folder; linked to no more than it may include
 #   mavrel_plugin(NAME CACHE SOURCES...)       one codec plugin
-#   mavrel_test(NAME SOURCES... LIBS ...)      one GoogleTest program, its cases known to ctest
+#   mavrel_test(NAME SOURCES... LIBS ...)      one GoogleTest program, its cases known to ctest; under Wine a few runs of
+#                                              many cases, or one a case with PROCESS_EACH
 #
 # Programs are placed in <build>/bin, the plugins that they find by default in <build>/bin/plugins.
 
@@ -73,10 +74,21 @@ function(mavrel_plugin name)
 endfunction()
 
 function(mavrel_test name)
-  cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "PROCESS_EACH" "" "LIBS" ${ARGN})
   add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
   mavrel_target(${name})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests$<1:>")
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120)
+  if(NOT CMAKE_CROSSCOMPILING OR ARG_PROCESS_EACH)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120)
+    return()
+  endif()
+  # To start a program under Wine takes as long as dozens of cases.
+  set(runs 4)
+  math(EXPR last "${runs} - 1")
+  foreach(run RANGE ${last})
+    add_test(NAME ${name}.${run} COMMAND ${name})
+    set_tests_properties(${name}.${run} PROPERTIES
+      ENVIRONMENT "GTEST_TOTAL_SHARDS=${runs};GTEST_SHARD_INDEX=${run}" TIMEOUT 600)
+  endforeach()
 endfunction()
