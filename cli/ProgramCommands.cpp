@@ -59,6 +59,7 @@ void WritePlugin(CJsonWriter& json, const CodecPlugin& plugin)
     json.EndArray();
     WriteNames(json, L"quality", plugin.QualityNames());
     WriteNames(json, L"dithering", plugin.DitheringNames());
+    json.Field(L"instructions", plugin.InstructionSet());
     json.EndObject();
 }
 
@@ -96,10 +97,13 @@ ExitCode RunPlugins(CSession& session, const CArguments&)
         WriteOutput(PluginsJson(table));
         return ExitCode::Done;
     }
-    for (const CodecPlugin& plugin : table.Plugins())
-        WriteOutput(Format(L"%s: %s\n%s\nQuality: %s\nDithering: %s\n\n", plugin.fileName,
-                           plugin.DisplayName(), plugin.Description(), Joined(plugin.QualityNames()),
+    for (const CodecPlugin& plugin : table.Plugins()) {
+        WriteOutput(Format(L"%s: %s\n%s\nQuality: %s\nDithering: %s\n", plugin.fileName, plugin.DisplayName(),
+                           plugin.Description(), Joined(plugin.QualityNames()),
                            Joined(plugin.DitheringNames())));
+        const std::wstring instructions = plugin.InstructionSet();
+        WriteOutput(instructions.empty() ? L"\n" : Format(L"Instructions: %s\n\n", instructions));
+    }
     for (const CacheIndex cache : kAllCaches)
         WriteOutput(Format(L"%s: %s\n", CacheInfix(cache), BoundName(table, cache)));
     return ExitCode::Done;

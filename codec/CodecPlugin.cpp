@@ -78,6 +78,11 @@ std::wstring CodecPlugin::Description() const
     return SingleText(library, MavrelDescription);
 }
 
+std::wstring CodecPlugin::InstructionSet() const
+{
+    return SingleText(library, MavrelInstructionSet);
+}
+
 std::vector<std::wstring> CodecPlugin::QualityNames() const
 {
     return TextList(library, MavrelQualityNames);

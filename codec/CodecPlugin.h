@@ -22,6 +22,8 @@ struct CodecPlugin {
 
     std::wstring DisplayName() const;
     std::wstring Description() const;
+    /// The vector instructions that it uses; empty when it does not say.
+    std::wstring InstructionSet() const;
     /// At most five names each; empty when the plugin lists none.
     std::vector<std::wstring> QualityNames() const;
     std::vector<std::wstring> DitheringNames() const;

@@ -71,7 +71,8 @@ enum MavrelPluginInfo {
     MavrelQualityNames = 1, /* names of the quality levels, each ended by NUL, an empty name after the last */
     MavrelDitheringNames = 2, /* names of the dithering modes, in the same form */
     MavrelDisplayName = 3,
-    MavrelDescription = 4
+    MavrelDescription = 4,
+    MavrelInstructionSet = 5 /* the vector instructions in use, for example "AVX2"; rarely of interest */
 };
 
 typedef uint32_t (*MavrelGetDllBuildIdFn)(void);

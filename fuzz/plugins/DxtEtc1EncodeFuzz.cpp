@@ -1,6 +1,6 @@
 // Encodes arbitrary pixels with both block encoders and checks what must hold for any picture: the size of
-// the level, the same bytes every time, and one-bit alpha that comes back as it was. Links codec_DXT and
-// codec_ETC1.
+// the level, the same bytes every time and with every instruction set, and one-bit alpha that comes back as
+// it was. Links codec_DXT and codec_ETC1.
 
 #include <cstddef>
 #include <cstdint>
@@ -20,6 +20,7 @@ struct Input {
     std::uint32_t height;
     Plugin::Quality quality;
     bool dithering;
+    Plugin::InstructionSet instructionSet;
 };
 
 std::size_t Blocks(const Input& input)
@@ -38,8 +39,9 @@ void FuzzDxt(const Input& input, Dxt::Variant variant)
     const std::size_t size = Blocks(input) * Dxt::BlockBytes(variant);
     const auto once = std::make_unique<std::uint8_t[]>(size);
     const auto again = std::make_unique<std::uint8_t[]>(size);
-    const Dxt::EncodeOptions options{variant, input.quality, input.dithering};
+    Dxt::EncodeOptions options{variant, input.quality, input.dithering, 1, input.instructionSet};
     Require(Dxt::Compress(input.pixels, once.get(), input.width, input.height, options) == size);
+    options.instructionSet = Plugin::InstructionSet::Portable;
     Require(Dxt::Compress(input.pixels, again.get(), input.width, input.height, options) == size);
     Require(std::memcmp(once.get(), again.get(), size) == 0);
     if (variant != Dxt::Variant::Dxt1Alpha || input.dithering)
@@ -63,7 +65,8 @@ void FuzzEtc1(const Input& input)
 }
 }  // namespace
 
-// Byte 0: codec in bits 0 to 2, level in bits 3 and 4, dithering in bit 5. Bytes 1 and 2: width and height, 1
+// Byte 0: codec in bits 0 to 2, level in bits 3 and 4, dithering in bit 5, the
+// instruction set of DXT in bits 6 and 7. Bytes 1 and 2: width and height, 1
 // to 16. Then the pixels.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -77,8 +80,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const Buffer pixels = std::make_unique<std::uint8_t[]>(needed);
     std::memcpy(pixels.get(), data + kHead, needed);
-    const Input input{pixels.get(), width, height, static_cast<Plugin::Quality>(data[0] >> 3 & 3),
-                      (data[0] & 32) != 0};
+    constexpr Plugin::InstructionSet kSets[4] = {Plugin::InstructionSet::Avx2, Plugin::InstructionSet::Sse41,
+                                                 Plugin::InstructionSet::Portable,
+                                                 Plugin::InstructionSet::Avx2};
+    const Plugin::InstructionSet wanted = kSets[data[0] >> 6];
+    const Input input{pixels.get(),
+                      width,
+                      height,
+                      static_cast<Plugin::Quality>(data[0] >> 3 & 3),
+                      (data[0] & 32) != 0,
+                      Plugin::IsSupported(wanted) ? wanted : Plugin::InstructionSet::Portable};
     const unsigned codec = data[0] & 7;
     if (codec < 4)
         FuzzDxt(input, static_cast<Dxt::Variant>(codec));

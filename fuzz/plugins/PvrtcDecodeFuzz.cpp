@@ -1,5 +1,5 @@
 // Decodes arbitrary words as a level of every size up to 128 x 128. The first byte chooses the sides, the
-// second the bits per pixel; the buffers are exactly as large as promised.
+// second the bits per pixel and the instruction set; the buffers are exactly as large as promised.
 
 #include <algorithm>
 #include <cstddef>
@@ -19,7 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::uint8_t> level(Pvrtc::PvrtcLevelBytes(width, height, bitsPerPixel));
     std::copy_n(data + 2, std::min(size - 2, level.size()), level.begin());
     std::vector<std::uint8_t> pixels(std::size_t{width} * height * 4);
-    if (Pvrtc::PvrtcDecode(level.data(), pixels.data(), width, height, bitsPerPixel) != pixels.size())
+    if (Pvrtc::PvrtcDecode(level.data(), pixels.data(), width, height, bitsPerPixel,
+                           Plugin::kEveryInstructionSet[(data[1] >> 1 & 3) % 3]) != pixels.size())
         std::abort();
     return 0;
 }

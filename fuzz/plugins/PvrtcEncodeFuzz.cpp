@@ -1,5 +1,5 @@
-// Encodes arbitrary pixels of every size up to 32 x 32 with every option. Whatever the picture is, the level
-// has the promised length and decodes, and an opaque picture stays opaque.
+// Encodes arbitrary pixels of every size up to 32 x 32 with every option and instruction set. Whatever the
+// picture is, the level has the promised length and decodes, and an opaque picture stays opaque.
 
 #include <algorithm>
 #include <cstddef>
@@ -24,6 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     options.bitsPerPixel = (data[1] & 1) != 0 ? 2 : 4;
     options.alpha = (data[1] & 2) != 0;
     options.dithering = (data[1] & 4) != 0;
+    options.instructionSet = Plugin::kEveryInstructionSet[(data[0] >> 3 & 1) + (data[1] >> 3 & 1)];
+    options.threads = 1 + (data[0] >> 7);
     options.quality = static_cast<Plugin::Quality>(data[1] >> 4 & 3);
     std::vector<std::uint8_t> pixels(std::size_t{width} * height * 4);
     std::copy_n(data + 2, std::min(size - 2, pixels.size()), pixels.begin());

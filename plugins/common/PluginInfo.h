@@ -31,6 +31,7 @@ struct Texts {
     const char16_t* ditheringNames;
     const char16_t* displayName;
     const char16_t* description;
+    const char16_t* instructionSet = nullptr;
 };
 
 /// The texts of the library that this is built into; each plugin's own exports define it.
@@ -48,6 +49,8 @@ constexpr const char16_t* TextFor(const Texts& texts, std::uint32_t what)
             return texts.displayName;
         case MavrelDescription:
             return texts.description;
+        case MavrelInstructionSet:
+            return texts.instructionSet;
         default:
             return nullptr;
     }

@@ -1,6 +1,8 @@
 #include "plugins/dxt/BlockEncode.h"
 
-#include "plugins/dxt/AlphaFit.h"
+#include <cstring>
+
+#include "plugins/common/BlockLevel.h"
 #include "plugins/dxt/ColorFit.h"
 
 namespace Dxt {
@@ -25,6 +27,8 @@ ColorPixels TakeColors(const Plugin::BlockPixels& pixels)
     }
     return colors;
 }
+
+using AlphaPixels = std::array<int, kBlockPixelCount>;
 
 AlphaPixels TakeAlphas(const Plugin::BlockPixels& pixels)
 {
@@ -65,36 +69,47 @@ void StoreExplicitAlpha(const AlphaPixels& alphas, std::uint8_t* out)
     StoreBytes(out, bits, kAlphaBytes);
 }
 
-void StoreAlphaFit(const AlphaFit& fit, std::uint8_t* out)
+void EncodeExplicitAlpha(const Plugin::BlockPixels& pixels, Plugin::Quality quality, std::uint8_t* out)
 {
-    out[0] = static_cast<std::uint8_t>(fit.alpha0);
-    out[1] = static_cast<std::uint8_t>(fit.alpha1);
-    std::uint64_t bits = 0;
-    for (std::size_t i = 0; i < kBlockPixelCount; ++i)
-        bits |= static_cast<std::uint64_t>(fit.indices[i]) << 3 * i;
-    StoreBytes(out + 2, bits, 6);
+    StoreExplicitAlpha(TakeAlphas(pixels), out);
+    StoreColorFit(FitColors(TakeColors(pixels), Palettes::FourOnly, quality), out + kAlphaBytes);
+}
+
+template <Variant Format, Plugin::Quality Level>
+void EncodeRow(const std::uint8_t* pixels, std::size_t stride, std::size_t count, std::uint8_t* out)
+{
+    constexpr std::size_t kBlockStride = Plugin::kBlockSide * Plugin::kPixelBytes;
+    for (; count != 0; --count, pixels += kBlockStride, out += BlockBytes(Format)) {
+        Plugin::BlockPixels block;
+        for (std::size_t y = 0; y < Plugin::kBlockSide; ++y)
+            std::memcpy(block.data() + y * kBlockStride, pixels + y * stride, kBlockStride);
+        if constexpr (Format == Variant::Dxt3)
+            EncodeExplicitAlpha(block, Level, out);
+        else
+            EncodeOneBitAlpha(block, Level, out);
+    }
+}
+
+template <Variant Format>
+EncodeRowFn RowFor(Plugin::Quality quality)
+{
+    switch (quality) {
+        case Plugin::Quality::Normal:
+            break;
+        case Plugin::Quality::Fast:
+            return EncodeRow<Format, Plugin::Quality::Fast>;
+        case Plugin::Quality::High:
+            return EncodeRow<Format, Plugin::Quality::High>;
+        case Plugin::Quality::Best:
+            return EncodeRow<Format, Plugin::Quality::Best>;
+    }
+    return EncodeRow<Format, Plugin::Quality::Normal>;
 }
 }  // namespace
 
-void EncodeBlock(const Plugin::BlockPixels& pixels, Variant variant, Plugin::Quality quality,
-                 std::uint8_t* out)
+EncodeRowFn BlockEncodeRowFor(Variant variant, Plugin::Quality quality)
 {
-    switch (variant) {
-        case Variant::Dxt1:
-            StoreColorFit(FitColors(TakeColors(pixels), Palettes::FourThreeOrBlack, quality), out);
-            break;
-        case Variant::Dxt1Alpha:
-            EncodeOneBitAlpha(pixels, quality, out);
-            break;
-        case Variant::Dxt3:
-            StoreExplicitAlpha(TakeAlphas(pixels), out);
-            StoreColorFit(FitColors(TakeColors(pixels), Palettes::FourOnly, quality), out + kAlphaBytes);
-            break;
-        case Variant::Dxt5:
-            StoreAlphaFit(FitAlphas(TakeAlphas(pixels), quality), out);
-            StoreColorFit(FitColors(TakeColors(pixels), Palettes::FourOnly, quality), out + kAlphaBytes);
-            break;
-    }
+    return variant == Variant::Dxt3 ? RowFor<Variant::Dxt3>(quality) : RowFor<Variant::Dxt1Alpha>(quality);
 }
 
 }  // namespace Dxt

@@ -1,17 +1,14 @@
 #pragma once
 
-// Encodes one 4x4 block of pixels: chooses what the block's colour part and alpha part are fitted to, and
-// writes the bytes. Pure: the same pixels and options always give the same bytes.
+// The encoders of the variants that the program reads but hardly ever writes, DXT1 with one-bit alpha and
+// DXT3: block by block, without vectors. Pure: the same pixels always give the same bytes.
 
-#include <cstdint>
-
-#include "plugins/common/BlockLevel.h"
 #include "plugins/dxt/Dxt.h"
+#include "plugins/dxt/EncodeKernels.h"
 
 namespace Dxt {
 
-/// Writes BlockBytes(variant) bytes to `out`.
-void EncodeBlock(const Plugin::BlockPixels& pixels, Variant variant, Plugin::Quality quality,
-                 std::uint8_t* out);
+/// For Variant::Dxt1Alpha and Variant::Dxt3.
+EncodeRowFn BlockEncodeRowFor(Variant variant, Plugin::Quality quality);
 
 }  // namespace Dxt

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "plugins/common/InstructionSet.h"
 #include "plugins/common/PluginInfo.h"
 
 namespace Dxt {
@@ -33,6 +34,10 @@ struct EncodeOptions {
     Variant variant = Variant::Dxt1;
     Plugin::Quality quality = Plugin::Quality::Normal;
     bool dithering = false;
+    /// 0: as many as are worth their while for the size and the level.
+    unsigned threads = 0;
+    /// Never changes the bytes; none: the best one here. One that this processor lacks must not be asked for.
+    std::optional<Plugin::InstructionSet> instructionSet = std::nullopt;
 };
 
 /// Encodes width x height R G B A pixels into whole blocks. Returns the bytes written, 0 for a size that is

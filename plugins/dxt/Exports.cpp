@@ -2,17 +2,16 @@
 
 #include <new>
 
+#include "plugins/common/InstructionSet.h"
 #include "plugins/common/PluginInfo.h"
 #include "plugins/dxt/Dxt.h"
 
-namespace {
-constexpr Plugin::Texts kTexts{
-    Plugin::kQualityNames, Plugin::kDitheringNames, u"DXT codec",
-    u"Encodes and decodes S3 texture compression: DXT1, DXT1 with one-bit alpha, DXT3 and DXT5."};
-}  // namespace
-
 const Plugin::Texts& Plugin::TextsOfThisPlugin()
 {
+    static const Texts kTexts{
+        kQualityNames, kDitheringNames, u"DXT codec",
+        u"Encodes and decodes S3 texture compression: DXT1, DXT1 with one-bit alpha, DXT3 and DXT5.",
+        NameOf(PreferredInstructionSet())};
     return kTexts;
 }
 

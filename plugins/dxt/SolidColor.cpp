@@ -1,5 +1,7 @@
 #include "plugins/dxt/SolidColor.h"
 
+#include <utility>
+
 namespace Dxt {
 namespace {
 struct LevelPair {
@@ -84,6 +86,34 @@ SolidEndpoints SolidEndpointsFor(const Rgb& color, PaletteMode mode)
     return {PackColor(red.first, green.first, blue.first), PackColor(red.second, green.second, blue.second),
             Squared(color.red - red.reached) + Squared(color.green - green.reached) +
                 Squared(color.blue - blue.reached)};
+}
+
+void StoreSolidBlock(std::uint32_t pixel, bool fourOnly, std::uint8_t* out)
+{
+    const Rgb color{static_cast<int>(pixel & 0xFF), static_cast<int>(pixel >> 8 & 0xFF),
+                    static_cast<int>(pixel >> 16 & 0xFF)};
+    SolidEndpoints best = SolidEndpointsFor(color, PaletteMode::FourColors);
+    bool isFour = true;
+    if (!fourOnly) {
+        const SolidEndpoints three = SolidEndpointsFor(color, PaletteMode::ThreeColors);
+        isFour = best.error <= three.error;
+        best = isFour ? best : three;
+    }
+    // Index 2 is the mix nearer to the first colour; 3 the one nearer to the second, should the colours have
+    // to change places for the mode.
+    std::uint8_t indices = 0xAA;
+    if (best.color0 == best.color1) {
+        indices = 0;
+    } else if ((best.color0 > best.color1) != isFour) {
+        std::swap(best.color0, best.color1);
+        indices = isFour ? 0xFF : 0xAA;
+    }
+    out[0] = static_cast<std::uint8_t>(best.color0 & 0xFF);
+    out[1] = static_cast<std::uint8_t>(best.color0 >> 8);
+    out[2] = static_cast<std::uint8_t>(best.color1 & 0xFF);
+    out[3] = static_cast<std::uint8_t>(best.color1 >> 8);
+    for (std::size_t row = 4; row < kColorBytes; ++row)
+        out[row] = indices;
 }
 
 }  // namespace Dxt

@@ -19,4 +19,8 @@ struct SolidEndpoints {
 /// The endpoints whose index 2 of this mode is nearest to the colour; no other pair is nearer in any channel.
 SolidEndpoints SolidEndpointsFor(const Rgb& color, PaletteMode mode);
 
+/// Writes the 8 bytes of a block of one colour, red in the lowest byte of `pixel`. `fourOnly` is for DXT3 and
+/// DXT5; else the palette that comes nearer is taken.
+void StoreSolidBlock(std::uint32_t pixel, bool fourOnly, std::uint8_t* out);
+
 }  // namespace Dxt

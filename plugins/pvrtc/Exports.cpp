@@ -2,17 +2,16 @@
 
 #include <new>
 
+#include "plugins/common/InstructionSet.h"
 #include "plugins/common/PluginInfo.h"
 #include "plugins/pvrtc/PvrtcDecode.h"
 #include "plugins/pvrtc/PvrtcEncode.h"
 
-namespace {
-constexpr Plugin::Texts kTexts{Plugin::kQualityNames, Plugin::kDitheringNames, u"PVRTC codec",
-                               u"Encodes and decodes PVRTC1 with 2 and 4 bits per pixel."};
-}  // namespace
-
 const Plugin::Texts& Plugin::TextsOfThisPlugin()
 {
+    static const Texts kTexts{kQualityNames, kDitheringNames, u"PVRTC codec",
+                              u"Encodes and decodes PVRTC1 with 2 and 4 bits per pixel.",
+                              NameOf(PreferredInstructionSet())};
     return kTexts;
 }
 

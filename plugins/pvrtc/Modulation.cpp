@@ -14,7 +14,7 @@ std::uint8_t* BlockStart(ModulationMap& map, std::uint32_t column, std::uint32_t
 
 void UnpackFourBits(BlockWord block, std::uint8_t* out, std::size_t stride, ModulationMode mode)
 {
-    constexpr std::uint8_t kPunchThroughWeights[4] = {0, 4, 4 | kPunched, 8};
+    constexpr std::uint8_t kPunchThroughWeights[4] = {0, 4, kPunchedWeight, 8};
     const std::uint8_t* const weights =
         mode == ModulationMode::PunchThrough ? kPunchThroughWeights : kWeights;
     std::uint32_t bits = block.modulation;
@@ -78,7 +78,7 @@ std::uint32_t CodeOf(std::uint8_t weight)
             return 1;
         case 8:
             return 3;
-        default:  // 5, or 4 punched through
+        default:  // 5, or punched through
             return 2;
     }
 }

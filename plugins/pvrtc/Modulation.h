@@ -21,9 +21,8 @@ enum class ModulationMode : std::uint8_t {
     InterpolateVertical,    ///< ... them, or the two above and below them
 };
 
-/// Set beside the weight of a punched-through pixel.
-inline constexpr std::uint8_t kPunched = 0x80;
-inline constexpr std::uint8_t kWeightMask = 0x0F;
+/// Stands for weight 4 with alpha 0.
+inline constexpr std::uint8_t kPunchedWeight = 9;
 inline constexpr int kWeightScale = 8;
 
 /// The four weights of two stored bits.

@@ -4,6 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+
+#include "plugins/common/InstructionSet.h"
 
 namespace Pvrtc {
 
@@ -14,9 +17,11 @@ namespace Pvrtc {
 std::uint64_t PvrtcLevelBytes(std::uint32_t width, std::uint32_t height, std::uint32_t bitsPerPixel);
 
 /// Decodes a level to width * height R G B A pixels, rows top to bottom. Reads exactly PvrtcLevelBytes bytes
-/// of `source`. Returns the bytes written; 0, with nothing written, when PvrtcLevelBytes is 0. Throws
-/// std::bad_alloc.
+/// of `source`. An instruction set that is not supported stands for the portable one, none for the preferred
+/// one; all give the same. Returns the bytes written; 0, with nothing written, when PvrtcLevelBytes is 0.
+/// Throws std::bad_alloc.
 std::uint32_t PvrtcDecode(const std::uint8_t* source, std::uint8_t* destination, std::uint32_t width,
-                          std::uint32_t height, std::uint32_t bitsPerPixel);
+                          std::uint32_t height, std::uint32_t bitsPerPixel,
+                          std::optional<Plugin::InstructionSet> instructionSet = std::nullopt);
 
 }  // namespace Pvrtc

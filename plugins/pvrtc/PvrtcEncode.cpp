@@ -4,33 +4,29 @@
 #include <vector>
 
 #include "plugins/common/ErrorDiffusion.h"
-#include "plugins/pvrtc/EndpointFit.h"
-#include "plugins/pvrtc/EndpointPolish.h"
-#include "plugins/pvrtc/EndpointSeed.h"
-#include "plugins/pvrtc/ModulationChoice.h"
+#include "plugins/pvrtc/FitLevel.h"
+#include "plugins/pvrtc/LevelFit.h"
 #include "plugins/pvrtc/SolidFit.h"
 
 namespace Pvrtc {
 namespace {
-struct Effort {
-    int rounds;           ///< of endpoints and modulation in turn
-    std::size_t breadth;  ///< of SolveChannel
-    int polishes;         ///< PolishEndpoints and modulation in turn, where that applies
-};
+// A thread more takes about as long to start as this many pixels take at the fastest level.
+constexpr std::uint64_t kPixelsPerThread = std::uint64_t{128} * 128;
 
-Effort EffortOf(Plugin::Quality quality)
+FitEffort EffortOf(const EncodeOptions& options)
 {
-    switch (quality) {
+    const bool fourBits = options.bitsPerPixel == 4;
+    switch (options.quality) {
         case Plugin::Quality::Fast:
-            return {2, 1, 0};
+            return {1, 1, true};
         case Plugin::Quality::Normal:
-            return {6, 1, 0};
+            return {!fourBits ? 2 : options.alpha ? 4 : 5, 1};
         case Plugin::Quality::High:
-            return {10, 1, 1};
+            return {10, 1};
         case Plugin::Quality::Best:
-            return {20, 2, 4};
+            return {fourBits ? 30 : 20, 1};
     }
-    return {6, 1, 0};
+    return {4, 1};
 }
 
 // Alpha is left alone: noise in it would tear holes into edges that are tested against a threshold.
@@ -51,32 +47,36 @@ std::vector<std::uint8_t> Dithered(const std::uint8_t* source, const BlockGrid& 
     return pixels;
 }
 
-void Fit(EncodeState& state, const Effort& effort)
+void Pack(const CFitLevel& level, std::uint8_t* destination)
 {
-    if (FitSolid(state))
-        return;
-    SeedEndpoints(state);
-    ChooseModulation(state, ModulationStart::Fresh);
-    for (int round = 0; round < effort.rounds; ++round) {
-        SweepEndpoints(state, effort.breadth);
-        ChooseModulation(state, ModulationStart::Current);
-    }
-    for (int polish = 0; polish < effort.polishes && state.grid.blockWidth == 4; ++polish) {
-        PolishEndpoints(state);
-        ChooseModulation(state, ModulationStart::Current);
-    }
+    const BlockGrid& grid = level.Grid();
+    for (std::uint32_t row = 0; row < grid.rows; ++row)
+        for (std::uint32_t column = 0; column < grid.columns; ++column)
+            WriteBlock(destination + StoredIndex(grid, column, row) * kBlockBytes, level.WordOf(column, row));
 }
 
-void Pack(const EncodeState& state, std::uint8_t* destination)
+const FitKernels& KernelsFor(const EncodeOptions& options)
 {
-    const BlockGrid& grid = state.grid;
-    for (std::uint32_t row = 0; row < grid.rows; ++row) {
-        for (std::uint32_t column = 0; column < grid.columns; ++column) {
-            BlockWord block = PackModulation(state.modulation, column, row);
-            block.colors |= PackEndpoints(state.endpoints[std::size_t{row} * grid.columns + column]);
-            WriteBlock(destination + StoredIndex(grid, column, row) * kBlockBytes, block);
-        }
+    const FitKernels* const kernels =
+        FitKernelsFor(options.instructionSet.value_or(Plugin::PreferredInstructionSet()));
+    return kernels != nullptr ? *kernels : *FitKernels_Portable();
+}
+
+void Fit(const BlockGrid& grid, const std::uint8_t* source, std::uint8_t* destination,
+         const EncodeOptions& options)
+{
+    const std::size_t pixels = std::size_t{grid.width} * grid.height;
+    if (const auto solid = SolidBlock(source, pixels, options.bitsPerPixel, options.alpha)) {
+        for (std::size_t block = 0; block < grid.Blocks(); ++block)
+            WriteBlock(destination + block * kBlockBytes, *solid);
+        return;
     }
+    const FitKernels& kernels = KernelsFor(options);
+    CFitLevel level(grid, source, options.alpha, kernels);
+    const unsigned members = Plugin::TeamSizeFor(pixels, kPixelsPerThread);
+    Plugin::CRowTeam team(options.threads != 0 ? options.threads : members);
+    CLevelFit(level, kernels, team).Run(EffortOf(options));
+    Pack(level, destination);
 }
 }  // namespace
 
@@ -91,9 +91,7 @@ std::uint32_t PvrtcEncode(const std::uint8_t* source, std::uint8_t* destination,
         dithered = Dithered(source, *grid, options.alpha);
         source = dithered.data();
     }
-    EncodeState state(*grid, source, options.alpha);
-    Fit(state, EffortOf(options.quality));
-    Pack(state, destination);
+    Fit(*grid, source, destination, options);
     return static_cast<std::uint32_t>(grid->Blocks() * kBlockBytes);
 }
 

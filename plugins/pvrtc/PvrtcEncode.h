@@ -1,10 +1,13 @@
 #pragma once
 
 // Encoding of one PVRTC1 level. Works on the caller's buffers, which it borrows for the call; reentrant. The
-// same picture and options give the same bytes with every compiler and on every platform.
+// same picture, depth and quality give the same bytes with every compiler, on every platform, with every
+// instruction set and any number of threads.
 
 #include <cstdint>
+#include <optional>
 
+#include "plugins/common/InstructionSet.h"
 #include "plugins/common/PluginInfo.h"
 
 namespace Pvrtc {
@@ -15,6 +18,10 @@ struct EncodeOptions {
     bool alpha = false;
     bool dithering = false;
     Plugin::Quality quality = Plugin::Quality::Normal;
+    /// 0: as many as are worth their while.
+    unsigned threads = 0;
+    /// None: the preferred one. One that is not supported stands for the portable one.
+    std::optional<Plugin::InstructionSet> instructionSet = std::nullopt;
 };
 
 /// Encodes width x height R G B A pixels into the PvrtcLevelBytes bytes at `destination`. Returns their

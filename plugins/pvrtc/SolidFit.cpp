@@ -3,30 +3,30 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <optional>
 
 #include "plugins/pvrtc/EndpointLattice.h"
+#include "plugins/pvrtc/Modulation.h"
 
 namespace Pvrtc {
 namespace {
 using Color = std::array<int, 4>;
 
 // The one colour of the picture; a channel that counts nowhere is 0.
-std::optional<Color> SolidColor(const EncodeState& state)
+std::optional<Color> SolidColor(const std::uint8_t* pixels, std::size_t count, bool hasAlpha)
 {
-    Color color{};
-    std::array<bool, 4> seen{};
-    for (std::size_t pixel = 0; pixel < state.importance.size(); ++pixel) {
-        for (std::size_t c = 0; c < 4; ++c) {
-            const std::uint8_t counts = c == 3 ? kAlphaCounts : kColorCounts;
-            if ((state.importance[pixel] & counts) == 0)
-                continue;
-            const int value = state.Target(pixel)[c];
-            if (seen[c] && color[c] != value)
-                return std::nullopt;
-            color[c] = value;
-            seen[c] = true;
-        }
+    Color color{0, 0, 0, hasAlpha ? pixels[3] : 255};
+    bool seen = false;
+    for (std::size_t pixel = 0; pixel < count; ++pixel) {
+        const std::uint8_t* const value = pixels + pixel * kPixelBytes;
+        if (hasAlpha && value[3] != color[3])
+            return std::nullopt;
+        if (color[3] == 0)
+            continue;
+        const Color here{value[0], value[1], value[2], color[3]};
+        if (seen && here != color)
+            return std::nullopt;
+        color = here;
+        seen = true;
     }
     return color;
 }
@@ -64,6 +64,13 @@ ChannelPair BestPair(int wanted, std::size_t channel, Lattice latticeA, Lattice 
     return best;
 }
 
+// A code that gives every pixel of a block the same weight.
+struct Uniform {
+    std::uint32_t code;
+    std::uint8_t weight;
+    std::uint32_t mode;
+};
+
 struct Solid {
     EndpointPair pair;
     std::uint8_t weight;
@@ -85,31 +92,34 @@ Solid SolidWith(const Color& color, EndpointForm formA, EndpointForm formB, std:
 }
 }  // namespace
 
-bool FitSolid(EncodeState& state)
+std::optional<BlockWord> SolidBlock(const std::uint8_t* pixels, std::size_t count, std::uint32_t bitsPerPixel,
+                                    bool hasAlpha)
 {
-    const auto color = SolidColor(state);
+    const auto color = SolidColor(pixels, count, hasAlpha);
     if (!color)
-        return false;
+        return std::nullopt;
     using enum EndpointForm;
+    // The same two bits for every pixel; 0 and 3 are also the two single bits.
+    constexpr Uniform kUniforms[] = {{0, 0, 0}, {1, 3, 0}, {2, 5, 0}, {3, 8, 0}, {1, 4, 1}};
     Solid best{{}, 0, std::numeric_limits<int>::max()};
-    for (const std::uint8_t weight : kWeights) {
+    BlockWord word{};
+    for (const Uniform& uniform : kUniforms) {
         // With 2 bits per pixel only the ends can be had at every pixel of a block.
-        if (state.grid.blockWidth != 4 && weight != 0 && weight != kWeightScale)
+        if (bitsPerPixel != 4 && uniform.weight != 0 && uniform.weight != kWeightScale)
             continue;
         for (const EndpointForm formA : {Opaque, Translucent}) {
             for (const EndpointForm formB : {Opaque, Translucent}) {
-                if (!state.hasAlpha && (formA != Opaque || formB != Opaque))
+                if (!hasAlpha && (formA != Opaque || formB != Opaque))
                     continue;
-                const Solid solid = SolidWith(*color, formA, formB, weight, state.hasAlpha);
-                if (solid.error < best.error)
-                    best = solid;
+                const Solid solid = SolidWith(*color, formA, formB, uniform.weight, hasAlpha);
+                if (solid.error >= best.error)
+                    continue;
+                best = solid;
+                word = {uniform.code * 0x55555555U, PackEndpoints(best.pair) | uniform.mode};
             }
         }
     }
-    std::fill(state.endpoints.begin(), state.endpoints.end(), best.pair);
-    std::fill(state.modulation.weights.begin(), state.modulation.weights.end(), best.weight);
-    std::fill(state.modulation.modes.begin(), state.modulation.modes.end(), ModulationMode::Plain);
-    return true;
+    return word;
 }
 
 }  // namespace Pvrtc

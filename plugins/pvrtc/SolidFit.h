@@ -2,12 +2,17 @@
 
 // Pictures of one colour, which small levels of a mip chain often are: all blocks alike, chosen by trying.
 
-#include "plugins/pvrtc/EncodeState.h"
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "plugins/pvrtc/PvrtcBlock.h"
 
 namespace Pvrtc {
 
-/// When everything that counts has one value, sets endpoints and modulation to the same nearest reachable
-/// value at every pixel and returns true; else changes nothing.
-bool FitSolid(EncodeState& state);
+/// When everything that counts of the pixels (R G B A) has one value, the block that, everywhere the same,
+/// comes nearest to it. Without alpha every pixel counts as opaque.
+std::optional<BlockWord> SolidBlock(const std::uint8_t* pixels, std::size_t count, std::uint32_t bitsPerPixel,
+                                    bool hasAlpha);
 
 }  // namespace Pvrtc

@@ -1,0 +1,128 @@
+#pragma once
+
+// The colours of the levels above normal, put together from the searches. Included by the kernels of each
+// instruction set.
+
+namespace {
+
+// The words of a three-colour block: the first colour must not be the greater number. Places are those of
+// LineColors: first, middle, second, black.
+inline ColorWords WordsOfThree(CInts first, CInts second, CInts places)
+{
+    // Index 0 is the first colour, 1 the second, 2 their middle, 3 black: 1 and 2 change places.
+    const CInts low = CInts::All(0x55555555);
+    const CInts lowBits = places & low;
+    const CInts highBits = ShiftRightUnsigned<1>(places) & low;
+    CInts indices = highBits | ShiftLeft<1>(lowBits);
+    // With the colours swapped, 0 and 1 do: wherever the upper bit is not set.
+    const CInts isSwapped = first > second;
+    indices = indices ^ (isSwapped & (lowBits ^ low));
+    return {Smaller(first, second) | ShiftLeft<16>(Larger(first, second)), indices};
+}
+
+inline ColorWords WordsOf(const ColorBatch& batch, const Candidate& candidate)
+{
+    const CInts places = NearestPlaces(batch, candidate);
+    // Labels count from the second end, places from the first.
+    const ColorWords four = WordsOf(candidate.first, candidate.second, places ^ CInts::All(-1));
+    const ColorWords three = WordsOfThree(candidate.first, candidate.second, places);
+    return {Select(candidate.isThree, three.ends, four.ends),
+            Select(candidate.isThree, three.indices, four.indices)};
+}
+
+inline ColorWords SearchHigh(const ColorBatch& counted, const ColorBatch& all)
+{
+    const PackedLine line = FitLine<2>(counted);
+    Candidate best = Measured(counted, line.first.packed, line.second.packed, CInts::All(0));
+    Descend(counted, 1, best);
+    return WordsOf(all, best);
+}
+
+// Without the pixels for which `mask` is not set.
+inline void Restrict(const ColorBatch& batch, const CInts (&mask)[kPixels], ColorBatch& part)
+{
+    for (int i = 0; i < kPixels; ++i) {
+        part.redGreen[i] = batch.redGreen[i] & mask[i];
+        part.blueOne[i] = batch.blueOne[i] & mask[i];
+        part.counts[i] = batch.counts[i] & mask[i];
+    }
+}
+
+// The pixels that a black beside the line will hardly fail to serve.
+inline void LeaveOutDark(const ColorBatch& batch, ColorBatch& bright)
+{
+    constexpr int kDarkest = 48;
+    const CInts ones = CInts::All(0x10001);
+    CInts mask[kPixels];
+    for (int i = 0; i < kPixels; ++i)
+        mask[i] = PairSums(batch.redGreen[i], ones) + Low(batch.blueOne[i]) > CInts::All(kDarkest);
+    Restrict(batch, mask, bright);
+}
+
+// Solves the ends again for the pixels that are nearest to one of the three colours.
+inline void RefineThree(const ColorBatch& batch, Candidate& best)
+{
+    const CInts places = NearestPlaces(batch, best);
+    CInts mask[kPixels];
+    CInts labels[kPixels];
+    CInts rest = places;
+    for (int i = 0; i < kPixels; ++i, rest = ShiftRightUnsigned<2>(rest)) {
+        const CInts place = rest & CInts::All(3);
+        mask[i] = CInts::All(3) > place;
+        labels[i] = CInts::All(2) - (place & mask[i]);
+    }
+    ColorBatch part;
+    Restrict(batch, mask, part);
+    LabelSums sums = NoLabels();
+    for (int i = 0; i < kPixels; ++i)
+        AddLabel(part, i, labels[i], sums);
+    const ColorSums colors = SumColors(part);
+    const FloatColor mean = MeanOf(colors);
+    FloatLine line{mean, mean};
+    const LineSystem system = SystemOf<2>(colors, sums);
+    SolveLine<2>(system, line);
+    const PackedLine packed = Rounded<2>(system, line);
+    Keep(Measured(batch, packed.first.packed, packed.second.packed, best.isThree), best);
+}
+
+inline Candidate SearchThree(const ColorBatch& batch)
+{
+    constexpr int kRounds = 2;
+    ColorBatch bright;
+    LeaveOutDark(batch, bright);
+    const ColorSums colors = SumColors(bright);
+    const HalfColor axis = ToHalfColor(MainAxis(CovarianceOf(bright, colors)));
+    const Candidate ofBright = FitRuns<2>(bright, colors, axis);
+    Candidate best = Measured(batch, ofBright.first, ofBright.second, ofBright.isThree);
+    for (int round = 0; round < kRounds; ++round)
+        RefineThree(batch, best);
+    return best;
+}
+
+inline Candidate SearchFour(const ColorBatch& batch)
+{
+    const ColorSums colors = SumColors(batch);
+    Candidate best = FitRuns<3>(batch, colors, ToHalfColor(MainAxis(CovarianceOf(batch, colors))));
+    const PackedLine line = FitLine<2>(batch);
+    Keep(Measured(batch, line.first.packed, line.second.packed, CInts::All(0)), best);
+    return best;
+}
+
+template <bool FourOnly>
+inline ColorWords SearchBest(const ColorBatch& counted, const ColorBatch& all)
+{
+    // Each kind of block comes some way down on its own before the better one is known.
+    constexpr int kPassesBefore = 1;
+    constexpr int kPasses = 2;
+    Candidate best = SearchFour(counted);
+    if constexpr (!FourOnly) {
+        Descend(counted, kPassesBefore, best);
+        Candidate three = SearchThree(counted);
+        Descend(counted, kPassesBefore, three);
+        Keep(three, best);
+    }
+    Descend(counted, kPasses, best);
+    return WordsOf(all, best);
+}
+
+}  // namespace

@@ -1,0 +1,22 @@
+#include "plugins/pvrtc/FitKernels.h"
+
+#include "plugins/pvrtc/Lanes_Portable.h"
+// The kernels are written in terms of the lanes.
+#include "plugins/pvrtc/CellKernels.h"
+#include "plugins/pvrtc/DecodeKernels.h"
+#include "plugins/pvrtc/SolveKernels.h"
+#include "plugins/pvrtc/TwoBitKernels.h"
+// The seeds are solved like changes.
+#include "plugins/pvrtc/SeedKernels.h"
+
+namespace Pvrtc {
+
+const FitKernels* FitKernels_Portable()
+{
+    static constexpr FitKernels kKernels{ScratchElements, SpreadLine, SeedRows,  PunchRows,
+                                         SumRows,         SolveRow,   ApplyRows, WantRows,
+                                         ChooseRow,       FillRows,   CodeRows,  DecodeRow};
+    return &kKernels;
+}
+
+}  // namespace Pvrtc

@@ -1,0 +1,113 @@
+#include "plugins/pvrtc/LevelFit.h"
+
+namespace Pvrtc {
+
+CLevelFit::CLevelFit(CFitLevel& level, const FitKernels& kernels, Plugin::CRowTeam& team)
+    : m_rView(level.View()), m_rKernels(kernels), m_rTeam(team), m_aScratch(team.Members())
+{
+    for (std::vector<std::int32_t>& scratch : m_aScratch)
+        scratch.resize(kernels.scratchElements(m_rView));
+}
+
+void CLevelFit::Run(const FitEffort& effort)
+{
+    m_rTeam.Run(m_rView.rows, [this](std::uint32_t first, std::uint32_t end, unsigned member) {
+        m_rKernels.seedRows(m_rView, first, end, m_aScratch[member].data());
+    });
+    Begin begin = Begin::Fresh;
+    bool rough = effort.roughStart && m_rView.blockWidth != 4;
+    for (int round = 0; round < effort.rounds; ++round) {
+        if (rough)
+            WantTwoBitWeights(Begin::Fresh);
+        else
+            ChooseWeights(begin);
+        begin = rough ? Begin::Fresh : Begin::Continued;
+        rough = false;
+        SumAndSweep();
+        for (int sweep = 1; sweep < effort.sweeps; ++sweep)
+            Sweep();
+        m_rTeam.Run(m_rView.rows, [this](std::uint32_t first, std::uint32_t end, unsigned) {
+            m_rKernels.applyRows(m_rView, first, end);
+        });
+    }
+    ChooseWeights(begin);
+    if (m_rView.blockWidth != 4)
+        return;
+    m_rTeam.Run(m_rView.rows, [this](std::uint32_t first, std::uint32_t end, unsigned) {
+        m_rKernels.codeRows(m_rView, first, end);
+    });
+}
+
+// With 4 bits per pixel, weights are chosen where they are used: only the modes are decided here.
+void CLevelFit::ChooseWeights(Begin begin)
+{
+    if (m_rView.blockWidth != 4) {
+        ChooseTwoBitWeights(begin);
+        return;
+    }
+    if (m_rView.punched == nullptr)
+        return;
+    m_rTeam.Run(m_rView.rows, [this](std::uint32_t first, std::uint32_t end, unsigned member) {
+        m_rKernels.punchRows(m_rView, first, end, m_aScratch[member].data());
+    });
+}
+
+void CLevelFit::WantTwoBitWeights(Begin begin)
+{
+    m_rTeam.Run(m_rView.rows, [&](std::uint32_t first, std::uint32_t end, unsigned) {
+        m_rKernels.wantRows(m_rView, first, end, begin);
+    });
+}
+
+void CLevelFit::ChooseTwoBitWeights(Begin begin)
+{
+    WantTwoBitWeights(begin);
+    EveryOtherRow(m_rKernels.chooseRow);
+    // Weights that are stored are not touched, the others not read: rows may be filled in any order.
+    m_rTeam.Run(m_rView.rows, [this](std::uint32_t first, std::uint32_t end, unsigned) {
+        m_rKernels.fillRows(m_rView, first, end);
+    });
+}
+
+// One thread solves a row as soon as its sums are there, which finds them still in the cache. That is the
+// order of Sweep, even rows before odd ones: no two rows of a kind touch each other.
+void CLevelFit::SumAndSweep()
+{
+    if (m_rTeam.Members() > 1) {
+        m_rTeam.Run(m_rView.rows, [this](std::uint32_t first, std::uint32_t end, unsigned member) {
+            m_rKernels.sumRows(m_rView, first, end, m_aScratch[member].data(), Begin::Fresh);
+        });
+        Sweep();
+        return;
+    }
+    std::int32_t* const scratch = m_aScratch.front().data();
+    // Row 0 reads the matrix of the row above it, which is the last one.
+    m_rKernels.sumRows(m_rView, m_rView.rows - 1, m_rView.rows, scratch, Begin::Fresh);
+    for (std::uint32_t row = 0; row + 1 < m_rView.rows; ++row) {
+        m_rKernels.sumRows(m_rView, row, row + 1, scratch, row == 0 ? Begin::Fresh : Begin::Continued);
+        if (row % 2 != 0)
+            continue;
+        m_rKernels.solveRow(m_rView, row);
+        if (row >= 2)
+            m_rKernels.solveRow(m_rView, row - 1);
+    }
+    m_rKernels.solveRow(m_rView, m_rView.rows - 1);
+}
+
+void CLevelFit::Sweep()
+{
+    EveryOtherRow(m_rKernels.solveRow);
+}
+
+// The even rows, then the odd ones: rows of a kind do not touch each other, so threads may share them.
+void CLevelFit::EveryOtherRow(void (*kernel)(const LevelView& view, std::uint32_t row))
+{
+    for (const std::uint32_t parity : {0U, 1U}) {
+        m_rTeam.Run(m_rView.rows / 2, [&](std::uint32_t first, std::uint32_t end, unsigned) {
+            for (std::uint32_t row = first; row < end; ++row)
+                kernel(m_rView, row * 2 + parity);
+        });
+    }
+}
+
+}  // namespace Pvrtc
