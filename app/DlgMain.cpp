@@ -42,6 +42,7 @@ CDlgMain::CDlgMain(const MainWindowParts& parts)
     BindViewCommands();
     BindOptionCommands();
     BindHostMessages();
+    BindToolCommands();
 }
 
 void CDlgMain::BindMessages()

@@ -36,6 +36,7 @@
 #include "ui/BitmapDrawing.h"
 #include "ui/ComboBox.h"
 #include "ui/Dialog.h"
+#include "ui/DroppedFiles.h"
 #include "ui/StatusBar.h"
 #include "ui/TabControl.h"
 
@@ -181,6 +182,21 @@ private:
     void ImportFiles(const std::vector<std::filesystem::path>& files, const ImportRequest& request);
     void OnDropFiles(WPARAM wParam);
     void ImportDropped(const std::vector<std::filesystem::path>& pictures, POINT place);
+    void ImportDroppedTXD(const DroppedFiles& dropped);
+    void SelectDropTarget(POINT place);
+
+    // DlgMainTools.cpp: the dialogs of the tools.
+    void BindToolCommands();
+    void AskAndImportTXD();
+    void ImportTXD(const std::filesystem::path& dictionary);
+    void AskAndCheckDFF();
+    /// `archive` is opened at once unless it is empty.
+    void ShowIMGTool(const std::filesystem::path& archive);
+    void ImportIMG();
+    void SyncIMG();
+    void OptimizeCache();
+    void ConvertCache();
+    void EditRadarMap();
 
     // DlgMainHost.cpp: what the tools ask for.
     void BindHostMessages();

@@ -97,6 +97,12 @@ void CDlgMain::OnDropFiles(WPARAM wParam)
         ImportDropped(pictures, dropped.place);
     else if (FileKindOf(dropped.files.front()) == FileKind::Database)
         OpenAndSelect(dropped.files.front());
+    else if (FileKindOf(dropped.files.front()) == FileKind::Dictionary)
+        ImportDroppedTXD(dropped);
+    else if (FileKindOf(dropped.files.front()) == FileKind::Model)
+        m_oParts.dialogs.CheckDFF(dropped.files.front(), m_pDatabase.get());
+    else if (FileKindOf(dropped.files.front()) == FileKind::Archive)
+        ShowIMGTool(dropped.files.front());
     else
         m_oParts.prompt.ShowError(String(IDS_UNSUPPORTED_FORMAT));
 }
@@ -112,12 +118,27 @@ void CDlgMain::ImportDropped(const std::vector<std::filesystem::path>& pictures,
          .buttons = PromptButtons::YesNoCancel});
     if (answer == PromptAnswer::Cancel)
         return;
-    // Dropped on a category, or on one of its textures, they go there.
-    ::MapWindowPoints(Handle(), m_oTree.Control().Handle(), &place, 1);
-    if (const HTREEITEM item = m_oTree.Control().ItemAt(place))
-        m_oTree.Control().SelectOnly(item);
+    SelectDropTarget(place);
     ImportRequest request;
     request.hasAlpha = answer == PromptAnswer::Yes;
     request.category = CategoryForImport();
     ImportFiles(pictures, request);
+}
+
+void CDlgMain::ImportDroppedTXD(const DroppedFiles& dropped)
+{
+    if (!HasDatabaseOrSaysSo())
+        return;
+    SelectDropTarget(dropped.place);
+    for (const auto& file : dropped.files)
+        if (FileKindOf(file) == FileKind::Dictionary)
+            ImportTXD(file);
+}
+
+// Dropped on a category, or on one of its textures, files go there.
+void CDlgMain::SelectDropTarget(POINT place)
+{
+    ::MapWindowPoints(Handle(), m_oTree.Control().Handle(), &place, 1);
+    if (const HTREEITEM item = m_oTree.Control().ItemAt(place))
+        m_oTree.Control().SelectOnly(item);
 }

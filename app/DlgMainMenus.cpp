@@ -10,7 +10,8 @@
 namespace {
 
 // Commands that work only while a database is open. What the program does not do yet stays disabled for good.
-constexpr std::array<UINT, 4> kLoadedCommands = {ID_CLOSE, ID_FIND, ID_EXPORT_ALL, ID_NEW_CATEGORY};
+constexpr UINT kLoadedCommands[] = {ID_CLOSE,      ID_FIND,       ID_EXPORT_ALL,      ID_NEW_CATEGORY,
+                                    ID_IMPORT_TXD, ID_IMPORT_IMG, ID_IMG_SYNCHRONIZER};
 
 }  // namespace
 

@@ -1,5 +1,7 @@
 #include "app/ErrorBox.h"
 
+#include "base/Windows.h"
+
 #include <exception>
 
 #include "base/Text.h"
@@ -15,4 +17,9 @@ void ShowCurrentException(IPrompt& prompt)
     } catch (const std::exception& error) {
         prompt.ShowError(FromUtf8(error.what()));
     }
+}
+
+void EndProgram(int exitCode)
+{
+    ::ExitProcess(static_cast<UINT>(exitCode));
 }

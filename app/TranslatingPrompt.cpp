@@ -8,9 +8,10 @@
 namespace {
 
 // Their argument is a message itself. Any other argument is a name, and a texture may well be called "Error".
-constexpr std::array<UINT, 6> kFrames = {IDS_MESSAGE_DATABASE_ERROR, IDS_MESSAGE_CONTINUE,
+constexpr std::array<UINT, 7> kFrames = {IDS_MESSAGE_DATABASE_ERROR, IDS_MESSAGE_CONTINUE,
                                          IDS_MESSAGE_EXPORT_FAILED,  IDS_MESSAGE_STATISTICS_GAME,
-                                         IDS_MESSAGE_STREAM_ERROR,   IDS_MESSAGE_NODE_ERROR};
+                                         IDS_MESSAGE_STREAM_ERROR,   IDS_MESSAGE_NODE_ERROR,
+                                         IDS_MESSAGE_IMG_CONTINUE};
 
 bool IsFrame(UINT id)
 {

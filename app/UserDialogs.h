@@ -10,10 +10,20 @@
 #include <vector>
 
 #include "app/Resources.h"
+#include "codec/PluginTable.h"
 #include "dialogs/DlgValue.h"
+#include "tools/DictionarySource.h"
 #include "tools/EditorHost.h"
 #include "tools/TextureRelations.h"
 #include "ui/FileDialog.h"
+
+/// The open database, and what a dialog that imports into it needs. Everything is borrowed.
+struct ToolEditor {
+    CTextureDatabase& database;
+    const CPluginTable& plugins;
+    ISettings& settings;
+    IEditorHost& host;
+};
 
 class IUserDialogs {
 public:
@@ -33,6 +43,24 @@ public:
     /// The aliases or the siblings of a texture, or of none; choosing one selects it in the editor.
     virtual void ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture,
                                RelationKind kind, IEditorHost& host) = 0;
+    /// The textures of a dictionary, to import some into a category.
+    virtual void ImportTXD(const ToolEditor& editor, const DictionarySource& source,
+                           std::uint32_t category) = 0;
+    /// The texture names of a model; `database` is null when none is open.
+    virtual void CheckDFF(const std::filesystem::path& file, const CTextureDatabase* database) = 0;
+    /// The entries of an IMG archive; `archive` is opened at once unless it is empty, and `editor` is null
+    /// while no database is open.
+    virtual void ShowIMGTool(const ToolEditor* editor, const std::filesystem::path& archive) = 0;
+    /// The texture dictionaries of an IMG archive, to import some; `target` is the cache that is shown.
+    virtual void ImportIMG(const ToolEditor& editor, CacheIndex target) = 0;
+    /// The textures that no model of some IMG archives uses, to delete them.
+    virtual void SyncIMG(const ToolEditor& editor) = 0;
+    /// The duplicates of the open database; `editor` is null while none is open.
+    virtual void OptimizeCache(const ToolEditor* editor) = 0;
+    /// The radar map in the cache that is shown; `editor` is null while no database is open.
+    virtual void EditRadarMap(const ToolEditor* editor, CacheIndex cache) = 0;
+    /// One cache made from another; `editor` is null while no database is open.
+    virtual void ConvertCache(const ToolEditor* editor) = 0;
     virtual void ShowAbout() = 0;
 };
 
@@ -50,6 +78,14 @@ public:
     std::optional<COLORREF> PickColor(COLORREF proposed) override;
     void ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture, RelationKind kind,
                        IEditorHost& host) override;
+    void ImportTXD(const ToolEditor& editor, const DictionarySource& source, std::uint32_t category) override;
+    void CheckDFF(const std::filesystem::path& file, const CTextureDatabase* database) override;
+    void ShowIMGTool(const ToolEditor* editor, const std::filesystem::path& archive) override;
+    void ImportIMG(const ToolEditor& editor, CacheIndex target) override;
+    void SyncIMG(const ToolEditor& editor) override;
+    void OptimizeCache(const ToolEditor* editor) override;
+    void EditRadarMap(const ToolEditor* editor, CacheIndex cache) override;
+    void ConvertCache(const ToolEditor* editor) override;
     void ShowAbout() override;
 
 private:

@@ -20,7 +20,7 @@ Codec DxtCodec(const char* name, Dxt::Variant variant)
             .encode =
                 [=](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality) {
                     return Dxt::Compress(pixels, level, size.width, size.height,
-                                         {.variant = variant, .quality = quality});
+                                         {.variant = variant, .quality = quality, .threads = 1});
                 },
             .decode =
                 [=](const std::uint8_t* level, std::uint8_t* pixels, Size size) {
@@ -49,8 +49,9 @@ Codec PvrtcCodec(const char* name, std::uint32_t bits)
             .levelBytes = [=](Size size) { return Pvrtc::PvrtcLevelBytes(size.width, size.height, bits); },
             .encode =
                 [=](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality) {
-                    return Pvrtc::PvrtcEncode(pixels, level, size.width, size.height,
-                                              {.bitsPerPixel = bits, .alpha = bits == 4, .quality = quality});
+                    return Pvrtc::PvrtcEncode(
+                        pixels, level, size.width, size.height,
+                        {.bitsPerPixel = bits, .alpha = bits == 4, .quality = quality, .threads = 1});
                 },
             .decode =
                 [=](const std::uint8_t* level, std::uint8_t* pixels, Size size) {

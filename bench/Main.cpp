@@ -12,15 +12,35 @@
 //   import               importing 500 pictures of 256 x 256 pixels into four caches with two threads,
 //                        against the calls of the encoders alone on two threads, normal quality
 //   import-work          the same in processor time, which other programs disturb less
+//   convert              converting 1000 textures of 256 x 256 pixels from ETC1 to DXT with two threads,
+//                        against the calls of decoder and encoder alone on two threads, normal quality
+//   convert-work         the same in processor time
+//   optimize-md5         making 1000 of 5000 textures aliases by their digests, against reading the .dat
+//                        once, hashing it once and writing the resulting files once
+//   optimize-md5-steps   the same made one by one; reckoned from 20 of them
+//   optimize-diff        finding 100 duplicates among 2000 textures of one size by differing bytes, against a
+//                        50th of comparing every pair in full, which is reckoned from 250 textures
+//   optimize-diff-decoded
+//                        the same with decoded pictures
 //   decode-FORMAT        one level of 512 x 512 pixels on one thread, against copying its 1 MiB of output.
 //                        DXT1 DXT1-A DXT3 DXT5 ETC1 PVRTC2 PVRTC4 through their decoders; RGBA8888 RGB888
 //                        RGBA4444 RGBA5551 RGB565 LUM16 LUM8 PAL8 PAL4 through RasterToBitmap
 //   rw-list              bytes read to list the textures of a 60 MB dictionary, against its length
 //   rw-decode            drawing all of them, against the decoder alone
+//   rw-memory            memory at most while importing a dictionary into two caches, above the open one,
+//                        against its largest texture and that texture's bitmap
 //   rw-models            the texture names of 1000 models, against one positioned read for each section
+//   img-list             opening an archive of 20000 entries and listing its dictionaries, against reading
+//                        its directory
+//   img-sync             bytes read for the texture names of 2000 models in an archive, against its length
+//   img-import, img-work importing 120 textures of 256 x 256 from the dictionaries of an archive, as import
+//   img-memory           memory at most meanwhile, in textures as bitmaps with their records
 //   encode-FORMAT-QUALITY
 //                        megapixels a second and PSNR on one thread. Formats with alpha take the pictures
 //                        that have alpha, PVRTC those whose sides are powers of two
+//   dxt1-NAME, dxt5-NAME the DXT encoders at every level with one thread and with two, and stb_dxt and
+//                        libsquish when they were there for the build; speed against dxt1-stb, mean PSNR of
+//                        the opaque pictures or of those with alpha, and the PSNR of each
 //
 //   --pictures DIR   PNG files to encode; without it, some of the demo's pictures
 //   --only PREFIX    only workloads whose names begin so, for example "decode" or "encode-ETC1"
@@ -35,9 +55,14 @@
 
 #include "bench/BigDatabase.h"
 #include "bench/CodecWorkloads.h"
+#include "bench/ConvertWorkload.h"
 #include "bench/DeleteWorkload.h"
+#include "bench/DictionaryMemory.h"
+#include "bench/DxtWorkloads.h"
+#include "bench/ImgWorkloads.h"
 #include "bench/ImportWorkload.h"
 #include "bench/OpenWorkloads.h"
+#include "bench/OptimizeWorkload.h"
 #include "bench/RenderWareWorkloads.h"
 
 namespace {
@@ -99,14 +124,25 @@ int Run(const Options& options)
         MeasureDatabase(options.only, report);
     if (Concerns("import", options.only))
         Bench::MeasureImport(report);
+    if (Concerns("convert", options.only))
+        Bench::MeasureConverting(report);
+    if (Concerns("optimize-", options.only))
+        Bench::MeasureOptimizing(options.only, report);
     if (Concerns("decode-", options.only))
         Bench::MeasureDecoding(options.only, report);
     if (Concerns("rw-", options.only))
         Bench::MeasureRenderWare(options.only, report);
+    if (Concerns("rw-memory", options.only))
+        Bench::MeasureDictionaryMemory(report);
+    if (Concerns("img-", options.only))
+        Bench::MeasureArchives(options.only, report);
     if (Concerns("encode-", options.only))
         Bench::MeasureEncoding(
             options.pictures ? Bench::LoadPictures(*options.pictures) : Bench::DemoPictures(), options.only,
             report);
+    if (Concerns("dxt", options.only))
+        Bench::MeasureDxt(options.pictures ? Bench::LoadPictures(*options.pictures) : Bench::DemoPictures(),
+                          options.only, report);
     if (!report.AllCorrect())
         return 1;
     return options.check && !report.AllWithinLimits() ? 1 : 0;

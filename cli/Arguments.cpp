@@ -19,11 +19,11 @@ CArguments::CArguments(const std::vector<std::wstring>& words, const OptionNames
         } else if (word == L"--") {
             optionsEnded = true;
         } else if (isIn(known.flags, word)) {
-            m_aOptions[word] = L"";
+            m_aOptions[word];
         } else if (isIn(known.withValue, word)) {
             if (i + 1 == words.size())
                 throw CUsageError(L"The option " + word + L" needs a value.");
-            m_aOptions[word] = words[++i];
+            m_aOptions[word].push_back(words[++i]);
         } else {
             throw CUsageError(L"There is no option " + word + L" here.");
         }
@@ -33,7 +33,13 @@ CArguments::CArguments(const std::vector<std::wstring>& words, const OptionNames
 std::optional<std::wstring> CArguments::Value(const std::wstring& option) const
 {
     const auto found = m_aOptions.find(option);
-    if (found == m_aOptions.end())
+    if (found == m_aOptions.end() || found->second.empty())
         return std::nullopt;
-    return found->second;
+    return found->second.back();
+}
+
+std::vector<std::wstring> CArguments::Values(const std::wstring& option) const
+{
+    const auto found = m_aOptions.find(option);
+    return found != m_aOptions.end() ? found->second : std::vector<std::wstring>();
 }

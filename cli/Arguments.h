@@ -33,8 +33,10 @@ public:
     const std::vector<std::wstring>& Words() const { return m_aWords; }
     bool Has(const std::wstring& flag) const { return m_aOptions.contains(flag); }
     std::optional<std::wstring> Value(const std::wstring& option) const;
+    /// All values of an option that may be repeated, in order.
+    std::vector<std::wstring> Values(const std::wstring& option) const;
 
 private:
     std::vector<std::wstring> m_aWords;
-    std::map<std::wstring, std::wstring> m_aOptions;
+    std::map<std::wstring, std::vector<std::wstring>> m_aOptions;
 };

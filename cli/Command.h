@@ -25,6 +25,10 @@ std::span<const Command> RepairCommands();
 std::span<const Command> EditCommands();
 std::span<const Command> PictureCommands();
 std::span<const Command> RenderWareCommands();
+std::span<const Command> ImgCommands();
+std::span<const Command> OptimizeCommands();
+std::span<const Command> ConvertCommands();
+std::span<const Command> RadarCommands();
 std::span<const Command> ProgramCommands();
 
 /// Runs one command line without the program's name, and turns everything that can go wrong into an exit

@@ -36,8 +36,9 @@ const OptionNames kGlobalOptions = {
 std::vector<Command> AllCommands()
 {
     std::vector<Command> all;
-    for (const auto group : {DatabaseCommands(), RepairCommands(), EditCommands(), PictureCommands(),
-                             RenderWareCommands(), ProgramCommands()})
+    for (const auto group :
+         {DatabaseCommands(), RepairCommands(), EditCommands(), PictureCommands(), RenderWareCommands(),
+          ImgCommands(), OptimizeCommands(), ConvertCommands(), RadarCommands(), ProgramCommands()})
         all.insert(all.end(), group.begin(), group.end());
     return all;
 }

@@ -64,18 +64,36 @@ void CheckPlan(const CBitmap& picture, const RecordPlan& plan)
         Fail(CodecMessage::kCannotWrite);
 }
 
+bool IsLeaving(const ImportTarget& target, std::uint32_t index)
+{
+    return std::ranges::find(target.leaving, index) != target.leaving.end();
+}
+
+// An alias finds its target by name, which a second entry of that name does not answer to.
+bool AnswersToItsName(const CTextureDatabase& database, const ImportTarget& target, std::uint32_t index)
+{
+    const std::wstring& name = database.Entry(index).name;
+    const auto first = database.FindByName(name, true);
+    if (first == index || !first || !IsLeaving(target, *first))
+        return first == index;
+    for (std::uint32_t other = *first + 1; other < index; ++other)
+        if (database.Entry(other).name == name && !IsLeaving(target, other))
+            return false;
+    return true;
+}
+
 // A weak hash: the size has to agree too, and a hash of 0 is no hash.
 std::optional<std::uint32_t> FindDuplicate(const CTextureDatabase& database, std::uint32_t hash,
-                                           PixelSize size, std::optional<std::uint32_t> replaced)
+                                           PixelSize size, const ImportTarget& target)
 {
-    if (hash == 0 || (replaced && database.CountAliasesOf(*replaced) != 0))
+    const auto& replaced = target.replaced;
+    if (hash == 0 || target.hasAliases || (replaced && database.CountAliasesOf(*replaced) != 0))
         return std::nullopt;
     for (std::uint32_t index = 0; index < database.EntryCount(); ++index) {
         const TextureEntry& entry = database.Entry(index);
         if (entry.Value(Property::Img) == hash && !entry.IsAlias() && index != replaced &&
             entry.Value(Property::Width) == size.width && entry.Value(Property::Height) == size.height &&
-            // An alias finds its target by name, which a second entry of that name does not answer to.
-            database.FindByName(entry.name, true) == index)
+            !IsLeaving(target, index) && AnswersToItsName(database, target, index))
             return index;
     }
     return std::nullopt;
@@ -149,7 +167,7 @@ PreparedTexture Prepare(CTextureDatabase& database, const ISettings& settings, P
     if (!target.cache) {
         const std::uint32_t hash = source.ImageHash();
         if (settings.IsOn(kGlobal, L"enable_img_hash", true))
-            if (const auto original = FindDuplicate(database, hash, size, target.replaced)) {
+            if (const auto original = FindDuplicate(database, hash, size, target)) {
                 prepared.duplicateOf = database.Entry(*original).name;
                 CheckLine(MakeAlias(target.name, *prepared.duplicateOf), target);
                 return prepared;
@@ -199,6 +217,18 @@ EarlyTexture PrepareEarly(const CBitmap& picture, const PreparationRules& rules,
     } catch (const std::bad_alloc&) {  // its turn tries again, alone
     }
     return early;
+}
+
+CPreparedRecords PrepareForCache(const CBitmap& picture, const PreparationRules& rules)
+{
+    const RecordPlan plan = PlanFor(picture, rules);
+    CheckDimensions(picture.Width(), picture.Height(), plan.forcedEncoder);
+    CheckPlan(picture, plan);
+    try {
+        return PrepareRecords(picture, RgbaPixels(picture, plan.hasAlpha), plan);
+    } catch (const std::bad_alloc&) {
+        Fail(CodecMessage::kCannotCompress);
+    }
 }
 
 PreparedTexture PrepareTexture(CTextureDatabase& database, const CPluginTable& plugins,

@@ -34,6 +34,11 @@ struct ImportTarget {
     /// The hash of the source file that the caller sets afterwards, so that its pair is counted in the line's
     /// length.
     std::uint32_t pngHash = 0;
+    /// Entries that the caller deletes after the texture is stored: as if they were gone already, none of
+    /// them is a duplicate or keeps its name from another. Borrowed.
+    std::span<const std::uint32_t> leaving = {};
+    /// Others are aliases of this name: it is no duplicate, because they are to find pixels under it.
+    bool hasAliases = false;
 };
 
 enum class StoreResult { Stored, MadeAlias };
@@ -72,6 +77,11 @@ using LikelyDuplicate = std::function<bool(std::uint32_t imageHash, PixelSize si
 /// for the picture's pixels.
 EarlyTexture PrepareEarly(const CBitmap& picture, const PreparationRules& rules,
                           const LikelyDuplicate& isDuplicate);
+
+/// The records of a picture whose entry exists already, by rules that name their cache and the name hash; for
+/// any thread. Throws CError (not shown) for wrong dimensions or an encoder that does not keep to the sizes
+/// of its format.
+CPreparedRecords PrepareForCache(const CBitmap& picture, const PreparationRules& rules);
 
 /// Throws CError (not shown) for wrong dimensions, a name or a line that does not fit, a cache that is not
 /// open or an encoder that does not keep to the sizes of its format. `early` is what PrepareEarly made of the

@@ -210,7 +210,7 @@ void DecodeLevels(const DecodeRule& rule, MavrelDecompressFn decompress, std::sp
     }
 }
 
-Output Decode(std::vector<std::byte>& raster, const RasterHeader& header, RecordKind kind,
+Output Decode(std::vector<std::byte>& raster, const RasterHeader& header, std::uint32_t levels,
               const CPluginTable& plugins)
 {
     const DecodeRule* const rule = RuleFor(FormatFromGl(header.glFormat));
@@ -223,10 +223,28 @@ Output Decode(std::vector<std::byte>& raster, const RasterHeader& header, Record
         throw CError(Format(CodecMessage::kNoPlugin, CacheName(rule->plugin)));
     Output output{BlankOutput(width, height), false};
     PadFirstLevel(raster, *rule, width, height);
-    const std::uint32_t levels = kind == RecordKind::Thumbnail ? 1 : LevelCount(header);
     const auto lock = LockCodec(plugins.OneAtATime(rule->plugin));
     DecodeLevels(*rule, decompress, raster, width, height, levels, output);
     return output;
+}
+
+DecodedTexture DecodeStored(std::vector<std::byte> raster, const RasterHeader& header, std::uint32_t levels,
+                            RasterFormatCode layoutOf, const CPluginTable& plugins)
+{
+    const Code code = FormatFromGl(header.glFormat);
+    DecodedTexture decoded;
+    decoded.width = header.width;
+    decoded.height = header.Height();
+    decoded.bitsPerPixel = BitsPerPixelOf(code);
+    decoded.layout = LayoutOf(layoutOf);
+    if (IsHandedOnAsStored(code, plugins.Decompress(CacheIndex::Unc) != nullptr)) {
+        decoded.pixels = std::move(raster);
+    } else {
+        Output output = Decode(raster, header, levels, plugins);
+        decoded.pixels = std::move(output.pixels);
+        decoded.isWritten = output.isWritten;
+    }
+    return decoded;
 }
 
 }  // namespace
@@ -244,21 +262,15 @@ std::optional<DecodedTexture> DecodeTexture(CTextureDatabase& database, const CP
 
     const RasterHeader& rasterHeader = entry.rasterHeader[SlotOf(cache)];
     const RasterHeader& header = isThumbnail ? entry.thumbHeader[SlotOf(cache)] : rasterHeader;
-    const Code code = FormatFromGl(header.glFormat);
-    DecodedTexture decoded;
-    decoded.width = header.width;
-    decoded.height = header.Height();
-    decoded.bitsPerPixel = BitsPerPixelOf(code);
     // Deliberate: the layout of a thumbnail, too, is that of the entry's raster.
-    decoded.layout = LayoutOf(FormatFromGl(rasterHeader.glFormat));
-    if (IsHandedOnAsStored(code, plugins.Decompress(CacheIndex::Unc) != nullptr)) {
-        decoded.pixels = std::move(*raster);
-    } else {
-        Output output = Decode(*raster, header, kind, plugins);
-        decoded.pixels = std::move(output.pixels);
-        decoded.isWritten = output.isWritten;
-    }
-    return decoded;
+    return DecodeStored(std::move(*raster), header, isThumbnail ? 1 : LevelCount(header),
+                        FormatFromGl(rasterHeader.glFormat), plugins);
+}
+
+DecodedTexture DecodeFirstLevel(std::vector<std::byte> raster, const RasterHeader& header,
+                                const CPluginTable& plugins)
+{
+    return DecodeStored(std::move(raster), header, 1, FormatFromGl(header.glFormat), plugins);
 }
 
 std::optional<CBitmap> ToBitmap(const DecodedTexture& texture)

@@ -24,5 +24,10 @@ struct DecodedTexture {
 std::optional<DecodedTexture> DecodeTexture(CTextureDatabase& database, const CPluginTable& plugins,
                                             std::uint32_t index, CacheIndex cache, RecordKind kind);
 
+/// The part of DecodeTexture that needs nothing but the stored raster, for any thread, and for those who want
+/// no more than the largest level. Throws CError (not shown) when the plugin is missing.
+DecodedTexture DecodeFirstLevel(std::vector<std::byte> raster, const RasterHeader& header,
+                                const CPluginTable& plugins);
+
 /// The decoded texture as a bitmap; nothing when there is none. A blank one is drawn blank.
 std::optional<CBitmap> ToBitmap(const DecodedTexture& texture);

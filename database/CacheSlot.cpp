@@ -42,8 +42,10 @@ std::vector<std::byte> TableBytes(std::uint64_t datBytes, std::span<const std::u
 
 bool WriteTable(IFileSystem& files, CacheSlot& slot, std::span<const std::byte> table)
 {
+    // The length word goes last: a table that broke off in the middle is found invalid by it.
     if (slot.toc)
-        return slot.toc->WriteAt(0, table) && slot.toc->Resize(table.size());
+        return slot.toc->WriteAt(kWordBytes, table.subspan(kWordBytes)) && slot.toc->Resize(table.size()) &&
+               slot.toc->WriteAt(0, table.first(kWordBytes));
     // A table that is there but not open belongs to somebody else.
     if (files.Exists(slot.tocPath))
         return false;

@@ -39,11 +39,23 @@ struct NewRecord {
     std::optional<std::span<const std::byte>> runLengthFrame = std::nullopt;
 };
 
+/// What becomes of the aliases of deleted textures: they go too, or they stay and find whatever has the name
+/// of their target then.
+enum class AliasesOfDeleted { Delete, Keep };
+
 /// A property of an entry and the value that it gets.
 struct PropertyChange {
     std::uint32_t index = 0;
     Property property = Property::Name;
     std::uint32_t value = 0;
+};
+
+/// A texture that stays, and another one that becomes an alias of it.
+struct AliasPair {
+    std::uint32_t kept = 0;
+    std::uint32_t duplicate = 0;
+
+    bool operator==(const AliasPair&) const = default;
 };
 
 /// A record and where it goes.
@@ -183,7 +195,18 @@ public:
     bool DeleteEntry(std::uint32_t index, std::optional<std::uint32_t> replacement);
     /// As deleting one by one in the order given, in one pass over each file; `indices` are those before the
     /// deletion.
-    bool DeleteEntries(std::span<const std::uint32_t> indices, IProgress& progress);
+    bool DeleteEntries(std::span<const std::uint32_t> indices, IProgress& progress,
+                       AliasesOfDeleted aliases = AliasesOfDeleted::Delete);
+    /// True when deleting these at once leaves the same files as one by one: their records lie in order, and
+    /// thumbnails go with rasters. Aliases have no part in it.
+    bool CanDeleteTogether(std::span<const std::uint32_t> indices);
+    /// Each duplicate is deleted and comes back at the end of the list as an alias of the kept texture; the
+    /// aliases that stood for it stand for the kept one from then on, in the list too. As one pair after the
+    /// other in the order given, in one pass over each file. Indices are those before; a texture is a
+    /// duplicate once at most, and never one that is kept. False, and nothing has changed, for indices that
+    /// cannot be and when cancelled. Throws CError, and has changed nothing, when a line would not fit
+    /// (CAliasCheck tells before).
+    bool MakeAliases(std::span<const AliasPair> pairs, IProgress& progress);
     /// Stores fresh name hashes in every record that is present.
     void FixNameHashes(IProgress& progress);
 
@@ -191,6 +214,7 @@ public:
 
 private:
     friend class CStoringMany;
+    friend class CCacheRebuild;
     std::unique_ptr<CImpl> m_pImpl;
 };
 

@@ -60,9 +60,13 @@ void CTextureDatabase::CImpl::PrepareList(std::span<TextureEntry> entries)
     PrepareListText(SerializeTextList(m_aCategories, entries));
 }
 
-void CTextureDatabase::CImpl::PrepareListWithout(const std::vector<bool>& isGone)
+void CTextureDatabase::CImpl::PrepareListWithout(const std::vector<bool>& isGone,
+                                                 std::span<TextureEntry> appended)
 {
-    PrepareListText(SerializeTextList(m_aCategories, m_aEntries, isGone));
+    std::vector<std::byte> text = SerializeTextList(m_aCategories, m_aEntries, isGone);
+    const std::vector<std::byte> end = SerializeTextList({}, appended);
+    text.insert(text.end(), end.begin(), end.end());
+    PrepareListText(text);
 }
 
 void CTextureDatabase::CImpl::PrepareListText(std::span<const std::byte> text)

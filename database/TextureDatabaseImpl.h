@@ -32,6 +32,8 @@ inline constexpr std::wstring_view kWrongSize = L"Wrong texture size given. Cach
 inline constexpr std::wstring_view kWrongOffset = L"Wrong texture offset given. DAT / TOC is corrupted.";
 }  // namespace DatabaseText
 
+class CAliasCheck;
+
 class CTextureDatabase::CImpl {
 public:
     CImpl(StreamMode forced, IFileSystem& files, IPrompt& prompt)
@@ -56,7 +58,8 @@ public:
     void RequireEverything() const;
     /// Writes the new list beside the old one, or reports that it cannot be rewritten.
     void PrepareList(std::span<TextureEntry> entries);
-    void PrepareListWithout(const std::vector<bool>& isGone);
+    /// The same without the entries that `isGone` marks and with others at the end.
+    void PrepareListWithout(const std::vector<bool>& isGone, std::span<TextureEntry> appended);
     void PrepareListText(std::span<const std::byte> text);
     /// Throws before records move that the list could not follow.
     void RequireFreeList();
@@ -94,6 +97,9 @@ public:
     /// Unresolves an alias, so that nothing stale is used.
     static void ForgetRecords(TextureEntry& alias);
     TextureEntry& Resolved(std::uint32_t index);
+
+    /// As MakeAliases, for pairs that can be made in one pass.
+    void MakeAliasesTogether(std::span<const AliasPair> pairs, const CAliasCheck& check, IProgress& progress);
 
     // ---- Records ----
 

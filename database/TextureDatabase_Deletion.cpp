@@ -117,7 +117,7 @@ DeletionPlan CTextureDeletion::Plan(CacheIndex cache, const IFile& file,
 
 void CTextureDeletion::Prepare()
 {
-    m_rState.PrepareListWithout(m_aGone);
+    m_rState.PrepareListWithout(m_aGone, m_aAppended);
     m_rState.RequireFreeList();
     for (const CacheIndex cache : kAllCaches)
         if (m_aThumbnails[SlotOf(cache)])
@@ -279,9 +279,14 @@ void CTextureDeletion::Commit(std::optional<std::uint32_t> heir)
         std::erase_if(list, [this, &at](const auto&) { return m_aGone[at++]; });
     };
     eraseGone(entries);
-    for (const CacheIndex cache : kAllCaches)
-        if (m_aRasters[SlotOf(cache)])
-            eraseGone(m_rState.Slot(cache).offsets);
+    entries.insert(entries.end(), m_aAppended.begin(), m_aAppended.end());
+    for (const CacheIndex cache : kAllCaches) {
+        if (!m_aRasters[SlotOf(cache)])
+            continue;
+        std::vector<std::uint32_t>& offsets = m_rState.Slot(cache).offsets;
+        eraseGone(offsets);
+        offsets.resize(entries.size(), kNone);
+    }
     m_rState.m_oNames.Forget();
 }
 
@@ -311,6 +316,47 @@ FailedDeletionStep CTextureDeletion::Finish()
             m_rState.LoadThumbnailOffsets(cache);
     }
     return failed;
+}
+
+void CTextureDeletion::FinishMany()
+{
+    switch (Finish()) {
+        case FailedDeletionStep::None:
+            break;
+        case FailedDeletionStep::Thumbnails:
+            ReportDatabaseError(m_rState.m_rPrompt, L"Unable to reduce TMB size", 1, __LINE__,
+                                ErrorKind::Fatal);
+            break;
+        case FailedDeletionStep::Rasters:
+            ReportDatabaseError(m_rState.m_rPrompt, L"Unable to change cache file size", 0, __LINE__,
+                                ErrorKind::Fatal);
+            break;
+        case FailedDeletionStep::Table:
+            ReportDatabaseError(m_rState.m_rPrompt, L"Unable to change cache file size", 1, __LINE__,
+                                ErrorKind::Fatal);
+            break;
+    }
+}
+
+bool CTextureDeletion::IsSameOneByOne() const
+{
+    const auto hasWhole = [this](CacheIndex cache) {
+        const std::size_t index = SlotOf(cache);
+        const CacheSlot& slot = m_rState.m_aSlots[index];
+        if (!slot.dat || !slot.tmb)
+            return true;
+        // Ignored ones may fit again once a texture less is there.
+        if (!m_aThumbnails[index])
+            return false;
+        for (std::size_t i = 0; i < m_aGone.size(); ++i) {
+            const TextureEntry& entry = m_rState.m_aEntries[i];
+            const bool isHalf = (entry.datOffset[index] == kNone) != (entry.tmbOffset[index] == kNone);
+            if (m_aGone[i] && !entry.IsAlias() && isHalf)
+                return false;
+        }
+        return m_aThumbnails[index]->kept.size() == m_aRasters[index]->kept.size();
+    };
+    return std::ranges::all_of(kAllCaches, hasWhole);
 }
 
 bool CTextureDeletion::FinishThumbnails(CacheIndex cache)
@@ -354,7 +400,8 @@ bool CTextureDatabase::DeleteEntry(std::uint32_t index, std::optional<std::uint3
     return true;
 }
 
-bool CTextureDatabase::DeleteEntries(std::span<const std::uint32_t> indices, IProgress& progress)
+bool CTextureDatabase::DeleteEntries(std::span<const std::uint32_t> indices, IProgress& progress,
+                                     AliasesOfDeleted aliases)
 {
     CImpl& state = *m_pImpl;
     std::vector<bool> isGone(state.Count());
@@ -367,7 +414,8 @@ bool CTextureDatabase::DeleteEntries(std::span<const std::uint32_t> indices, IPr
         return true;
     state.RequireEverything();
     state.ResolveAllAliases();
-    state.MarkAliasesOfGone(isGone);
+    if (aliases == AliasesOfDeleted::Delete)
+        state.MarkAliasesOfGone(isGone);
     CTextureDeletion deletion(state, std::move(isGone), progress);
     // Until now nothing was changed; a deletion that has begun is completed.
     if (progress.Cancelled())
@@ -375,22 +423,23 @@ bool CTextureDatabase::DeleteEntries(std::span<const std::uint32_t> indices, IPr
     deletion.Prepare();
     deletion.MoveRecords();
     deletion.Commit(std::nullopt);
-    switch (deletion.Finish()) {
-        case FailedDeletionStep::None:
-            break;
-        case FailedDeletionStep::Thumbnails:
-            ReportDatabaseError(state.m_rPrompt, L"Unable to reduce TMB size", 1, __LINE__, ErrorKind::Fatal);
-            break;
-        case FailedDeletionStep::Rasters:
-            ReportDatabaseError(state.m_rPrompt, L"Unable to change cache file size", 0, __LINE__,
-                                ErrorKind::Fatal);
-            break;
-        case FailedDeletionStep::Table:
-            ReportDatabaseError(state.m_rPrompt, L"Unable to change cache file size", 1, __LINE__,
-                                ErrorKind::Fatal);
-            break;
-    }
+    deletion.FinishMany();
     return true;
+}
+
+bool CTextureDatabase::CanDeleteTogether(std::span<const std::uint32_t> indices)
+{
+    CImpl& state = *m_pImpl;
+    std::vector<bool> isGone(state.Count());
+    for (const std::uint32_t index : indices)
+        if (index < state.Count())
+            isGone[index] = true;
+    CNoProgress progress;
+    try {
+        return CTextureDeletion(state, std::move(isGone), progress).IsSameOneByOne();
+    } catch (const CError&) {  // one of the records lies where it cannot be
+        return false;
+    }
 }
 
 void CTextureDatabase::CImpl::ResolveAllAliases()

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "database/DeletionPlan.h"
@@ -25,6 +26,8 @@ public:
     CTextureDeletion(const CTextureDeletion&) = delete;
     CTextureDeletion& operator=(const CTextureDeletion&) = delete;
 
+    /// Aliases that the list gets at its end when the entries go. Called before Prepare.
+    void Append(std::vector<TextureEntry> aliases) { m_aAppended = std::move(aliases); }
     /// Writes the new list and the new thumbnail files beside the old ones. What was there is not touched.
     void Prepare();
     /// Closes the gaps in the `.dat` files. When this fails, an entry that should go may have lost its
@@ -34,6 +37,12 @@ public:
     void Commit(std::optional<std::uint32_t> heir);
     /// Tables, thumbnails and lengths; goes on after a failure and names the first.
     FailedDeletionStep Finish();
+    /// Finish for a batch: shows the failure, and throws then.
+    void FinishMany();
+
+    /// True when deleting the entries one by one would leave the same files: no thumbnails are found or lost
+    /// on the way, because every entry has both a raster and a thumbnail, or neither, wherever there are any.
+    bool IsSameOneByOne() const;
 
 private:
     DeletionPlan Plan(CacheIndex cache, const IFile& file, std::span<const PlacedRecord> records);
@@ -49,6 +58,7 @@ private:
 
     CTextureDatabase::CImpl& m_rState;
     std::vector<bool> m_aGone;
+    std::vector<TextureEntry> m_aAppended;
     IProgress& m_rProgress;
     std::array<std::optional<DeletionPlan>, kCacheCount> m_aRasters;
     std::array<std::optional<DeletionPlan>, kCacheCount> m_aThumbnails;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "database/EntryLine.h"
 #include "image/Hash.h"
 
 namespace {
@@ -77,6 +78,17 @@ void SetEntryName(TextureEntry& entry, std::wstring name)
     ReplaceAll(entry.lineText, "\"" + Narrow(entry.name) + "\"", "\"" + Narrow(name) + "\"");
     entry.name = std::move(name);
     entry.nameHash = NameHash(entry.name);
+}
+
+void SetAffiliate(TextureEntry& alias, std::wstring target)
+{
+    // A line that was left behind by a renaming still has the older name.
+    const std::wstring written =
+        alias.lineText.empty() ? std::wstring() : ParseEntryLine(alias.lineText).affiliate;
+    if (!written.empty())
+        ReplaceAll(alias.lineText, "\"affiliate=" + Narrow(written) + "\"",
+                   "\"affiliate=" + Narrow(target) + "\"");
+    alias.affiliate = std::move(target);
 }
 
 TextureEntry MakeEntry(const NewTexture& texture)

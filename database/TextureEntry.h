@@ -53,6 +53,10 @@ std::uint32_t EntryNameHash(TextureEntry& entry);
 /// line.
 void SetEntryName(TextureEntry& entry, std::wstring name);
 
+/// Makes an alias one of another texture: the field and, in the line, every occurrence of the pair as it
+/// stands there.
+void SetAffiliate(TextureEntry& alias, std::wstring target);
+
 /// What an import knows of a new ordinary entry.
 struct NewTexture {
     std::wstring name;

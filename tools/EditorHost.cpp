@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "base/Text.h"
 #include "codec/ImagePreparation.h"
@@ -76,6 +77,8 @@ ImportOutcome CHostOperations::ImportPicture(const CBitmap& picture, const Impor
     request.hasAlpha = record.hasAlpha != 0;
     request.storeRgba8888 = record.storeRgba8888 != 0;
     request.category = record.category;
+    request.leaving = record.leaving;
+    request.hasAliases = record.hasAliases != 0;
     if (record.format != ImportRecord::kFormatByRules)
         request.format = CacheOf(record.format);
     if (record.targetCache != ImportRecord::kEveryCache) {
@@ -86,8 +89,12 @@ ImportOutcome CHostOperations::ImportPicture(const CBitmap& picture, const Impor
     const auto game = CGameChoice(m_rPrompt).For(m_rDatabase);
     if (!game)
         return ImportOutcome::Ignored;
-    const StoreResult result =
-        ImportByRules(m_rDatabase, m_rPlugins, m_rSettings, picture, RecordText(record.name), request, *game);
+    std::optional<EarlyTexture> early;
+    if (record.early != nullptr)
+        early = std::move(*record.early);
+    PreparedTexture prepared = PrepareByRules(m_rDatabase, m_rPlugins, m_rSettings, picture,
+                                              RecordText(record.name), request, *game, std::move(early));
+    const StoreResult result = StoreByRules(m_rDatabase, std::move(prepared), request);
     return result == StoreResult::MadeAlias ? ImportOutcome::MadeAlias : ImportOutcome::Imported;
 }
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,8 @@
 #include "codec/PluginTable.h"
 #include "database/TextureDatabase.h"
 #include "image/Bitmap.h"
+
+struct EarlyTexture;
 
 /// What became of an import, for the sender's own count.
 enum class ImportOutcome : std::uint32_t {
@@ -51,7 +54,15 @@ struct ImportRecord {
     std::uint32_t cacheGiven = 0;
     /// The cache whose encoder is forced, or kFormatByRules.
     std::uint32_t format = kFormatByRules;
+    /// What PrepareEarly made of the picture, or null. The host takes what it can use of it.
+    EarlyTexture* early = nullptr;
     ImportOutcome outcome = ImportOutcome::Ignored;
+
+    // For a sender that replaces many textures: it deletes the old ones when all new ones are stored.
+    /// Entries that count as gone already. Borrowed until the import returns.
+    std::span<const std::uint32_t> leaving = {};
+    /// Non-zero: others are aliases of this name, so it never becomes an alias itself.
+    std::uint32_t hasAliases = 0;
 };
 
 /// A record's text; one without a terminator ends with its field.

@@ -15,7 +15,8 @@ FileKind FileKindOf(const std::filesystem::path& file)
         Known{L".gif", FileKind::Picture},    Known{L".tif", FileKind::Picture},
         Known{L".tiff", FileKind::Picture},   Known{L".txt", FileKind::Database},
         Known{L".toc", FileKind::Database},   Known{L".dat", FileKind::Database},
-        Known{L".txd", FileKind::Dictionary}, Known{L".img", FileKind::Archive},
+        Known{L".txd", FileKind::Dictionary}, Known{L".dff", FileKind::Model},
+        Known{L".img", FileKind::Archive},
     };
     const std::wstring extension = ToLowerAscii(FromPath(file.extension()));
     for (const auto& [known, kind] : kKnown)

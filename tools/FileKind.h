@@ -8,6 +8,7 @@ enum class FileKind {
     Picture,     ///< one of the image formats that import reads
     Database,    ///< a TXT list, or a cache file that belongs to one
     Dictionary,  ///< a RenderWare texture dictionary
+    Model,       ///< a RenderWare model
     Archive,     ///< an IMG archive
     Other,
 };

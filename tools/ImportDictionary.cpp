@@ -5,8 +5,10 @@
 #include <string>
 #include <utility>
 
+#include "base/OrderedPipeline.h"
 #include "rw/Messages.h"
 #include "tools/ExportDictionary.h"
+#include "tools/PicturesAhead.h"
 
 namespace {
 
@@ -26,8 +28,14 @@ public:
     };
 
     CDictionaryRun(const Surroundings& around, CTXDHelper& helper, const ImportRequest& request)
-        : m_oAround(around), m_rHelper(helper), m_oRequest(request), m_oStoringMany(around.database)
+        : m_oAround(around),
+          m_rHelper(helper),
+          m_oRequest(request),
+          m_oStoringMany(around.database),
+          m_oAside(around.options.whileWaiting ? 1 : 0)
     {
+        if (WorksAside())
+            m_oKnown.AddAll(around.database);
     }
 
     /// Texture `done` of `total`. False when the run is to end.
@@ -112,8 +120,11 @@ private:
             return false;
         m_bChanged = true;
         m_bCannotWrite = true;
-        CountImported(m_oCounts, StoreImported(m_oAround.database, std::move(*prepared), request));
+        const StoreResult result = StoreImported(m_oAround.database, std::move(*prepared), request);
+        CountImported(m_oCounts, result);
         m_bCannotWrite = false;
+        if (WorksAside() && result == StoreResult::Stored)
+            m_oKnown.Add(m_oAround.database.Entry(m_oAround.database.EntryCount() - 1));
         if (m_oAround.options.afterImport)
             m_oAround.options.afterImport();
         return true;
@@ -129,8 +140,27 @@ private:
         if (!game)
             return std::nullopt;
         return PrepareByRules(m_oAround.database, m_oAround.plugins, m_oAround.settings, picture, name,
-                              request, *game);
+                              request, *game, PrepareAside(picture, name, request, *game));
     }
+
+    /// What takes time, on the other thread.
+    std::optional<EarlyTexture> PrepareAside(const CBitmap& picture, const std::wstring& name,
+                                             const ImportRequest& request, StreamMode game)
+    {
+        if (!WorksAside())
+            return std::nullopt;
+        const PreparationRules rules =
+            ReadPreparationRules(m_oAround.database, m_oAround.plugins, m_oAround.settings,
+                                 TargetByRules(m_oAround.database, m_oAround.settings, name, request, game));
+        const bool findsDuplicates = m_oAround.settings.IsOn(L"global", L"enable_img_hash", true);
+        m_oAside.Give([&, this] {
+            return PrepareEarly(picture, rules, [&, this](std::uint32_t imageHash, PixelSize size) {
+                return findsDuplicates && m_oKnown.HasOther(imageHash, size, name);
+            });
+        });
+        return m_oAside.Take(m_oAround.options.whileWaiting);
+    }
+    bool WorksAside() const { return static_cast<bool>(m_oAround.options.whileWaiting); }
 
     /// No text: it was shown already.
     void ReportFailure(std::wstring_view text)
@@ -147,6 +177,8 @@ private:
     bool m_bChanged = false;
     bool m_bCannotWrite = false;
     CStoringMany m_oStoringMany;
+    CKnownPictures m_oKnown;
+    COrderedPipeline<EarlyTexture> m_oAside;  // last: its thread ends before what it uses
 };
 
 }  // namespace

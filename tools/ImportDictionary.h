@@ -20,6 +20,9 @@ struct DictionaryImportOptions {
     ClashChoice onCancel = ClashChoice::KeepBoth;
     /// Called after each texture that was imported: for a bar that stands still when one is skipped or fails.
     std::function<void()> afterImport = {};
+    /// When given, the records of a texture are made on another thread, and this is called every few
+    /// milliseconds meanwhile: for a window that goes on painting. It must not throw. No byte depends on it.
+    std::function<void()> whileWaiting = {};
 };
 
 /// One for a whole run over several dictionaries: the game of a new cache is asked for once.

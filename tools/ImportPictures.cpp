@@ -57,7 +57,7 @@ public:
               m_oKnown)
     {
         if (m_nThreads != 0)
-            ListKnownPictures();
+            m_oKnown.AddAll(m_rDatabase);
     }
 
     /// The next file in order. False when the run is to end.
@@ -82,22 +82,6 @@ public:
     const ImportCounts& Counts() const { return m_oCounts; }
 
 private:
-    void ListKnownPictures()
-    {
-        for (std::uint32_t index = 0; index < m_rDatabase.EntryCount(); ++index) {
-            const TextureEntry& entry = m_rDatabase.Entry(index);
-            if (!entry.IsAlias())
-                AddKnownPicture(entry);
-        }
-    }
-
-    void AddKnownPicture(const TextureEntry& entry)
-    {
-        if (entry.Value(Property::Img) != 0)
-            m_oKnown.Add(entry.Value(Property::Img),
-                         {entry.Value(Property::Width), entry.Value(Property::Height)}, entry.name);
-    }
-
     // What will be asked about and decided in its turn is guessed here: a picture that will probably be
     // refused or skipped is not worth the work.
     std::optional<PictureOutlook> OutlookFor(const std::filesystem::path& file)
@@ -182,7 +166,7 @@ private:
         m_bChanged = true;
         CountImported(m_oCounts, result);
         if (result == StoreResult::Stored && m_nThreads != 0)
-            AddKnownPicture(m_rDatabase.Entry(m_rDatabase.EntryCount() - 1));
+            m_oKnown.Add(m_rDatabase.Entry(m_rDatabase.EntryCount() - 1));
         return true;
     }
 

@@ -1,5 +1,6 @@
 #include "tools/ImportRules.h"
 
+#include <bit>
 #include <utility>
 
 #include "base/Text.h"
@@ -46,6 +47,17 @@ std::optional<CacheIndex> EncoderByRules(const CTextureDatabase& database, const
     const std::wstring key = ToLowerAscii(FromPath(database.ListPath().filename()));
     const auto byList = CacheFromInfix(settings.ReadString(L"rules", key));
     return byList ? byList : EncoderOfCategory(database, category);
+}
+
+std::optional<CacheIndex> EncoderOfOneCache(const ISettings& settings, std::optional<CacheIndex> chosen)
+{
+    return settings.IsOn(L"global", L"enable_compression", true) ? chosen : CacheIndex::Unc;
+}
+
+std::optional<CacheIndex> EncoderForSize(std::optional<CacheIndex> forced, PixelSize size)
+{
+    const bool isRegular = std::has_single_bit(size.width) && std::has_single_bit(size.height);
+    return forced || isRegular ? forced : CacheIndex::Unc;
 }
 
 std::optional<StreamMode> GameOfDatabase(CTextureDatabase& database)
@@ -100,6 +112,8 @@ ImportTarget TargetByRules(const CTextureDatabase& database, const ISettings& se
     target.cache = request.cache;
     target.replaced = request.replaced;
     target.pngHash = request.pngHash;
+    target.leaving = request.leaving;
+    target.hasAliases = request.hasAliases;
     return target;
 }
 
@@ -108,7 +122,10 @@ PreparedTexture PrepareByRules(CTextureDatabase& database, const CPluginTable& p
                                const ImportRequest& request, StreamMode game,
                                std::optional<EarlyTexture> early)
 {
-    const ImportTarget target = TargetByRules(database, settings, name, request, game);
+    ImportTarget target = TargetByRules(database, settings, name, request, game);
+    if (request.cache)
+        target.forcedEncoder =
+            EncoderForSize(EncoderOfOneCache(settings, request.format), {picture.Width(), picture.Height()});
     PreparedTexture prepared = PrepareTexture(database, plugins, settings, picture, target, std::move(early));
     // A list may hold names that no new line can repeat.
     if (prepared.duplicateOf)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "base/Prompt.h"
@@ -16,6 +17,12 @@
 /// switch.
 std::optional<CacheIndex> EncoderByRules(const CTextureDatabase& database, const ISettings& settings,
                                          std::uint32_t category, std::optional<CacheIndex> chosen);
+
+/// The same for records of one cache whose entries exist already: neither category nor list count, so that
+/// every cache gets its own form.
+std::optional<CacheIndex> EncoderOfOneCache(const ISettings& settings, std::optional<CacheIndex> chosen);
+/// A picture of such a cache whose sides are no powers of two fits the uncompressed form only.
+std::optional<CacheIndex> EncoderForSize(std::optional<CacheIndex> forced, PixelSize size);
 
 /// The game of imports into this database: the forced one, else that of the first readable record of an
 /// ordinary entry in cache order, else nothing.
@@ -46,6 +53,9 @@ struct ImportRequest {
     std::optional<std::uint32_t> replaced = std::nullopt;
     /// The hash of the source file, when it is to be kept.
     std::uint32_t pngHash = 0;
+    /// See ImportTarget.
+    std::span<const std::uint32_t> leaving = {};
+    bool hasAliases = false;
 };
 
 /// What the request means for the next texture, by settings and database.

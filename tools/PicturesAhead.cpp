@@ -36,6 +36,19 @@ void CKnownPictures::Add(std::uint32_t imageHash, PixelSize size, const std::wst
     m_aPictures.emplace(std::tuple(imageHash, size.width, size.height), ToLowerAscii(name));
 }
 
+void CKnownPictures::Add(const TextureEntry& entry)
+{
+    if (!entry.IsAlias() && entry.Value(Property::Img) != 0)
+        Add(entry.Value(Property::Img), {entry.Value(Property::Width), entry.Value(Property::Height)},
+            entry.name);
+}
+
+void CKnownPictures::AddAll(const CTextureDatabase& database)
+{
+    for (std::uint32_t index = 0; index < database.EntryCount(); ++index)
+        Add(database.Entry(index));
+}
+
 bool CKnownPictures::HasOther(std::uint32_t imageHash, PixelSize size, const std::wstring& name) const
 {
     const std::wstring own = ToLowerAscii(name);

@@ -40,6 +40,10 @@ struct PictureOutlook {
 class CKnownPictures {
 public:
     void Add(std::uint32_t imageHash, PixelSize size, const std::wstring& name);
+    /// The picture of an entry, as far as its hash is known.
+    void Add(const TextureEntry& entry);
+    /// Those of all entries.
+    void AddAll(const CTextureDatabase& database);
     /// True when a texture of another name has that picture.
     bool HasOther(std::uint32_t imageHash, PixelSize size, const std::wstring& name) const;
 

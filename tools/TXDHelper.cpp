@@ -9,7 +9,6 @@
 #include "rw/TXDMobile.h"
 #include "rw/TXDPC.h"
 #include "rw/TXDPS2.h"
-#include "tools/TXDPicture.h"
 
 namespace {
 
@@ -196,4 +195,21 @@ CBitmap CTXDHelper::ToBitmap(std::uint32_t index)
     if (!picture.ownPixels.empty())
         loaded.Drop();
     return DrawPicture(picture, m_rPlugins);
+}
+
+TXDPicture CTXDHelper::TakePicture(std::uint32_t index)
+{
+    const CFirstBoxOnly oneBoxForAll(m_oGate);
+    TXDPicture picture = ReadAnyPicture(*m_pDictionary, index);
+    const CLoadedTexture loaded(*m_pDictionary, index);
+    if (m_oGate.WasRaised())
+        throw CError(std::wstring(RW::Message::kRecordUnreadable), true);
+    const auto keep = [](std::span<const std::byte>& part, std::vector<std::byte>& own) {
+        if (own.empty())
+            own.assign(part.begin(), part.end());
+        part = own;
+    };
+    keep(picture.pixels, picture.ownPixels);
+    keep(picture.palette, picture.ownPalette);
+    return picture;
 }

@@ -15,6 +15,7 @@
 #include "image/Bitmap.h"
 #include "rw/Exception.h"
 #include "rw/TXDCommon.h"
+#include "tools/TXDPicture.h"
 
 /// What the accessors tell of one texture.
 struct DictionaryTexture {
@@ -81,6 +82,9 @@ public:
     /// reading failed.", "Wrong texture dimensions given.", "DXT plugin is not loaded", …; it was shown when
     /// a stop box told of the damage.
     CBitmap ToBitmap(std::uint32_t index);
+    /// The first level as it is stored, a copy that DrawPicture can draw on any thread. Throws as ToBitmap
+    /// does for a record that cannot be read.
+    TXDPicture TakePicture(std::uint32_t index);
 
 private:
     template <class OpenReader>

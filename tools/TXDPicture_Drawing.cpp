@@ -104,6 +104,7 @@ CBitmap DrawBlocks(const TXDPicture& picture, const CPluginTable& plugins)
     if (picture.pixels.size() / rowBytes < (picture.height + 3) / 4)
         Fail(RW::Message::kRecordUnreadable);
     CBitmap bitmap = Blank(picture);
+    const auto lock = LockCodec(plugins.OneAtATime(decoder.plugin));
     for (std::uint32_t y = 0; y < picture.height; y += kStripRows) {
         const std::uint32_t rows = std::min(kStripRows, picture.height - y);
         const std::size_t stride = std::size_t{picture.width} * 4;
@@ -140,6 +141,7 @@ CBitmap DrawPvrtc(const TXDPicture& picture, const CPluginTable& plugins)
         padded.resize(static_cast<std::size_t>(needed));
         source = padded.data();
     }
+    const auto lock = LockCodec(plugins.OneAtATime(decoder.plugin));
     if (decompress(source, bitmap.Pixels().data(), picture.width, picture.height, decoder.mode,
                    decoder.flags) == 0)
         Fail(CodecMessage::kCannotDecompress);

@@ -10,8 +10,8 @@
 
 namespace {
 
-// Enough for some thousand names of one folder.
-constexpr std::size_t kLongestSelection = 256 * 1024;
+// In characters: enough for some thousand names of one folder.
+constexpr std::size_t kLongestSelection = 267'265;
 
 /// The form of the common dialogs: strings that end in NUL, one after the other.
 std::wstring SystemFilter(std::wstring filter)

@@ -70,6 +70,23 @@ int CListView::Append(const std::wstring& text, LPARAM data) const
     return static_cast<int>(SendPointer(LVM_INSERTITEMW, 0, &item));
 }
 
+void CListView::AppendOnDemand(int rows) const
+{
+    // A message a row and column, and no more: a list may have many.
+    const int first = Count();
+    const int columns = ColumnCount();
+    Reserve(first + rows);
+    for (int row = first; row < first + rows; ++row) {
+        LVITEMW item{};
+        item.mask = LVIF_TEXT;
+        item.iItem = row;
+        item.pszText = LPSTR_TEXTCALLBACKW;  // NOLINT: the system's own constant
+        SendPointer(LVM_INSERTITEMW, 0, &item);
+        for (item.iSubItem = 1; item.iSubItem < columns; ++item.iSubItem)
+            SendPointer(LVM_SETITEMTEXTW, Number(row), &item);
+    }
+}
+
 void CListView::SetItemText(int row, int column, const std::wstring& text) const
 {
     LVITEMW item{};

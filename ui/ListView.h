@@ -34,6 +34,8 @@ public:
 
     /// Adds a row at the end and returns its number.
     int Append(const std::wstring& text, LPARAM data = 0) const;
+    /// Adds rows whose texts, one a column, are asked for with LVN_GETDISPINFO when they are shown.
+    void AppendOnDemand(int rows) const;
     /// Announces how many rows are coming.
     void Reserve(int rows) const { Send(LVM_SETITEMCOUNT, Number(rows)); }
     int Count() const { return static_cast<int>(Send(LVM_GETITEMCOUNT)); }
@@ -61,6 +63,7 @@ public:
 
     /// The check boxes of LVS_EX_CHECKBOXES.
     bool IsChecked(int row) const;
+    /// A row of -1 stands for all of them.
     void SetChecked(int row, bool checked) const;
 
     /// The cell under a point of the control, also beside its text.
@@ -69,6 +72,13 @@ public:
     RECT CellRect(int row, int column) const;
     /// How wide the text is in the control's font, without the room around it.
     int TextWidth(const std::wstring& text) const;
+    /// Lets the person edit the row's first text; the control must have the focus.
+    void EditLabel(int row) const { Send(LVM_EDITLABELW, Number(row)); }
+    /// The field in which the text is edited; only while it is.
+    CWindow LabelEditor() const
+    {
+        return CWindow(reinterpret_cast<HWND>(Send(LVM_GETEDITCONTROL)));  // NOLINT: the message's result
+    }
     void RedrawRow(int row) const { Send(LVM_REDRAWITEMS, Number(row), row); }
 
 private:

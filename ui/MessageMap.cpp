@@ -29,9 +29,21 @@ bool CMessageMap::DispatchCommand(UINT id, UINT code) const
     return true;
 }
 
+bool CMessageMap::DispatchSystemCommand(WPARAM wParam) const
+{
+    // Windows uses the lowest four bits itself.
+    const auto command = m_aSystemCommands.find(static_cast<UINT>(wParam & 0xFFF0));
+    if (command == m_aSystemCommands.end())
+        return false;
+    command->second();
+    return true;
+}
+
 std::optional<LRESULT> CMessageMap::Dispatch(UINT message, WPARAM wParam, LPARAM lParam) const
 {
     if (message == WM_COMMAND && DispatchCommand(LOWORD(wParam), HIWORD(wParam)))
+        return 0;
+    if (message == WM_SYSCOMMAND && DispatchSystemCommand(wParam))
         return 0;
     if (message == WM_NOTIFY) {
         auto& header = *reinterpret_cast<NMHDR*>(lParam);  // NOLINT: the message carries a pointer

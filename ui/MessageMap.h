@@ -23,6 +23,8 @@ public:
     void OnCommand(UINT id, CommandFn handler) { m_aCommands[id] = std::move(handler); }
     /// Every command from `first` to `last` that has no handler of its own.
     void OnCommandRange(UINT first, UINT last, RangeFn handler);
+    /// A command of the window's own in its system menu: a multiple of 16 below 0xF000.
+    void OnSystemCommand(UINT id, CommandFn handler) { m_aSystemCommands[id] = std::move(handler); }
     /// A notification of a control through WM_COMMAND, such as CBN_SELCHANGE.
     void OnControl(UINT id, UINT code, CommandFn handler) { m_aControls[{id, code}] = std::move(handler); }
     /// A notification of a common control through WM_NOTIFY.
@@ -41,9 +43,11 @@ private:
         RangeFn handler;
     };
     bool DispatchCommand(UINT id, UINT code) const;
+    bool DispatchSystemCommand(WPARAM wParam) const;
 
     std::map<UINT, MessageFn> m_aMessages;
     std::map<UINT, CommandFn> m_aCommands;
+    std::map<UINT, CommandFn> m_aSystemCommands;
     std::vector<Range> m_aRanges;
     std::map<std::pair<UINT, UINT>, CommandFn> m_aControls;
     std::map<std::pair<UINT_PTR, UINT>, NotifyFn> m_aNotifications;

@@ -16,6 +16,14 @@ TEST(Arguments, TakesOptionsAnywhere)
     EXPECT_EQ(arguments.Value(L"--out"), L"folder");
 }
 
+TEST(Arguments, KeepsEveryValueOfARepeatedOption)
+{
+    const CArguments arguments({L"--out", L"a", L"b", L"--out", L"c"}, kKnown);
+    EXPECT_EQ(arguments.Values(L"--out"), (std::vector<std::wstring>{L"a", L"c"}));
+    EXPECT_EQ(arguments.Value(L"--out"), L"c");
+    EXPECT_TRUE(arguments.Values(L"--all").empty());
+}
+
 TEST(Arguments, TakesEverythingBehindTwoDashesAsWords)
 {
     const CArguments arguments({L"--", L"--all"}, kKnown);

@@ -84,6 +84,13 @@ std::vector<FaultCase> FaultCases()
              return d.DeleteEntries(std::vector<std::uint32_t>{1, 4}, progress);
          },
          {L"brick", L"sand"}},
+        {"MakeAliases",
+         [](CTextureDatabase& d) {
+             CNoProgress progress;
+             return d.MakeAliases(
+                 std::vector<AliasPair>{{.kept = 1, .duplicate = 2}, {.kept = 1, .duplicate = 4}}, progress);
+         },
+         {L"wood", L"early", L"late", L"sand"}},
         {"RebuildToc", [](CTextureDatabase& d) { return d.RebuildToc(CacheIndex::Dxt), true; }},
         {"WriteDefaultThumbnails",
          [](CTextureDatabase& d) { return d.WriteDefaultThumbnails(CacheIndex::Dxt, StreamMode::Raw); }},

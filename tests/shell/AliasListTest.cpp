@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "dialogs/DlgAliases.h"
 #include "app/resource.h"
 #include "base/Format.h"
+#include "dialogs/DlgAliases.h"
 #include "tests/database/DatabaseFixture.h"
 #include "ui/Dpi.h"
 

@@ -206,6 +206,31 @@ TEST_F(CImportCommands, OpenADroppedListOrCacheFile)
     EXPECT_EQ(Focused(), L"wood");
 }
 
+TEST_F(CImportCommands, OpenDroppedDictionariesForTheCategoryBelowThem)
+{
+    StartWithDatabase();
+    Drop({m_oFolder / "a.txd", m_oFolder / "song.mp3", m_oFolder / "b.TXD"}, PlaceOf(L"plants"));
+    EXPECT_THAT(m_oDialogs.dictionaries,
+                ElementsAre(std::pair(std::filesystem::path(m_oFolder / "a.txd"), 1U),
+                            std::pair(std::filesystem::path(m_oFolder / "b.TXD"), 1U)));
+}
+
+TEST_F(CImportCommands, AskForACacheBeforeADroppedDictionary)
+{
+    Start();
+    Drop({m_oFolder / "a.txd"}, {1, 1});
+    EXPECT_EQ(Prompt().Shown().back().text, L"Load the cache first!");
+    EXPECT_TRUE(m_oDialogs.dictionaries.empty());
+}
+
+TEST_F(CImportCommands, CheckADroppedModel)
+{
+    Start();
+    Drop({m_oFolder / "house.dff"}, {1, 1});
+    EXPECT_THAT(m_oDialogs.models,
+                ElementsAre(std::pair(std::filesystem::path(m_oFolder / "house.dff"), false)));
+}
+
 TEST_F(CImportCommands, RefuseDroppedFilesOfOtherTypes)
 {
     StartWithDatabase();

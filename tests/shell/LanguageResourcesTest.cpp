@@ -34,14 +34,11 @@ const std::set<std::wstring> kSameEverywhere = {L"-",
 
 // What happens to read the same in one language.
 const std::set<std::pair<std::wstring, std::wstring>> kSameInALanguage = {
-    {L"russian", L"OK"},
-    {L"spanish", L"Error"},
-    {L"spanish", L"No"},
-    {L"spanish", L"Original"},
-    {L"portuguese-br", L"Caches"},
-    {L"portuguese-br", L"OK"},
-    {L"portuguese-br", L"Original"},
-    {L"portuguese-br", L"Aliases:   %d"},
+    {L"russian", L"OK"},          {L"spanish", L"Error"},
+    {L"spanish", L"No"},          {L"spanish", L"Original"},
+    {L"spanish", L"Radar"},       {L"portuguese-br", L"Caches"},
+    {L"portuguese-br", L"OK"},    {L"portuguese-br", L"Original"},
+    {L"portuguese-br", L"Radar"}, {L"portuguese-br", L"Aliases:   %d"},
 };
 
 bool HasLetters(const std::wstring& text)

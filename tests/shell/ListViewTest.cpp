@@ -92,3 +92,18 @@ TEST_F(CListViewTest, HasRowsOfTheHeightThatWasAskedFor)
     EXPECT_GE(second.top - first.top, 40);
     EXPECT_LE(second.top - first.top, 42);
 }
+
+TEST_F(CListViewTest, AddsRowsThatAskForTheirTexts)
+{
+    m_oList.AppendOnDemand(2);
+    EXPECT_EQ(m_oList.Count(), 5);
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | LVIF_NORECOMPUTE;
+    item.iItem = 4;
+    for (item.iSubItem = 0; item.iSubItem < 2; ++item.iSubItem) {
+        item.pszText = nullptr;
+        m_oList.SendPointer(LVM_GETITEMW, 0, &item);
+        EXPECT_EQ(item.pszText, LPSTR_TEXTCALLBACKW) << item.iSubItem;
+    }
+    EXPECT_EQ(m_oList.ItemText(0, 0), L"a");
+}

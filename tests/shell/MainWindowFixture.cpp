@@ -45,6 +45,47 @@ void CScriptedDialogs::ShowRelations(CTextureDatabase&, std::optional<std::uint3
     relations.emplace_back(kind, texture);
 }
 
+void CScriptedDialogs::ImportTXD(const ToolEditor&, const DictionarySource& source, std::uint32_t category)
+{
+    dictionaries.emplace_back(source.file, category);
+    sources.push_back(source);
+}
+
+void CScriptedDialogs::ShowIMGTool(const ToolEditor* editor, const std::filesystem::path& archive)
+{
+    archives.emplace_back(archive, editor != nullptr);
+}
+
+void CScriptedDialogs::ImportIMG(const ToolEditor&, CacheIndex target)
+{
+    archiveImports.push_back(target);
+}
+
+void CScriptedDialogs::SyncIMG(const ToolEditor&)
+{
+    ++synchronizations;
+}
+
+void CScriptedDialogs::OptimizeCache(const ToolEditor* editor)
+{
+    optimizations.push_back(editor != nullptr);
+}
+
+void CScriptedDialogs::EditRadarMap(const ToolEditor* editor, CacheIndex cache)
+{
+    radarMaps.emplace_back(cache, editor != nullptr);
+}
+
+void CScriptedDialogs::ConvertCache(const ToolEditor* editor)
+{
+    conversions.push_back(editor != nullptr);
+}
+
+void CScriptedDialogs::CheckDFF(const std::filesystem::path& model, const CTextureDatabase* database)
+{
+    models.emplace_back(model, database != nullptr);
+}
+
 CMainWindowTest::CMainWindowTest()
     : m_pSettings(OpenSettings(m_oFolder / "mavrel.ini")), m_oResources(::GetModuleHandleW(nullptr))
 {

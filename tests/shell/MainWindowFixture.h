@@ -24,6 +24,14 @@ public:
     std::optional<COLORREF> PickColor(COLORREF proposed) override;
     void ShowRelations(CTextureDatabase& database, std::optional<std::uint32_t> texture, RelationKind kind,
                        IEditorHost& host) override;
+    void ImportTXD(const ToolEditor& editor, const DictionarySource& source, std::uint32_t category) override;
+    void CheckDFF(const std::filesystem::path& model, const CTextureDatabase* database) override;
+    void ShowIMGTool(const ToolEditor* editor, const std::filesystem::path& archive) override;
+    void ImportIMG(const ToolEditor& editor, CacheIndex target) override;
+    void SyncIMG(const ToolEditor& editor) override;
+    void OptimizeCache(const ToolEditor* editor) override;
+    void EditRadarMap(const ToolEditor* editor, CacheIndex cache) override;
+    void ConvertCache(const ToolEditor* editor) override;
     void ShowAbout() override {}
 
     std::optional<std::wstring> value;
@@ -35,6 +43,24 @@ public:
     std::vector<ValueRequest> values;
     std::vector<FileRequest> files;
     std::vector<std::wstring> folderTitles;
+    /// The dictionaries that were opened for import, each with the category.
+    std::vector<std::pair<std::filesystem::path, std::uint32_t>> dictionaries;
+    /// The same dictionaries, as they were given.
+    std::vector<DictionarySource> sources;
+    /// The archives that the IMG tool was opened with, each with whether there was a database.
+    std::vector<std::pair<std::filesystem::path, bool>> archives;
+    /// The caches that were shown when the import of an archive was opened.
+    std::vector<CacheIndex> archiveImports;
+    /// How often the synchronizer was opened.
+    int synchronizations = 0;
+    /// Each time the optimizer was opened: whether there was a database.
+    std::vector<bool> optimizations;
+    /// The caches whose radar map was edited, each with whether there was a database.
+    std::vector<std::pair<CacheIndex, bool>> radarMaps;
+    /// The models that were checked, each with whether there was a database.
+    std::vector<std::pair<std::filesystem::path, bool>> models;
+    /// How often the converter was opened, each time with whether there was a database.
+    std::vector<bool> conversions;
     /// The textures whose lists were shown.
     std::vector<std::pair<RelationKind, std::optional<std::uint32_t>>> relations;
 };

@@ -11,6 +11,7 @@ TEST(FileKind, GoesByTheExtensionInEitherCase)
     EXPECT_EQ(FileKindOf("mobile.dxt.TOC"), FileKind::Database);
     EXPECT_EQ(FileKindOf("mobile.dxt.dat"), FileKind::Database);
     EXPECT_EQ(FileKindOf("generic.txd"), FileKind::Dictionary);
+    EXPECT_EQ(FileKindOf("tree.DFF"), FileKind::Model);
     EXPECT_EQ(FileKindOf("gta3.img"), FileKind::Archive);
 }
 

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstring>
 #include <deque>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <span>
+#include <thread>
 
 #include "tests/codec/TestDatabase.h"
 #include "tests/support/DatabaseBuilder.h"
@@ -224,6 +227,60 @@ TEST_F(ImportDictionary, PutsTheCategoryIntoTexturesAndDuplicates)
     EXPECT_EQ(counts.aliased, 1U);
     EXPECT_TRUE(Line(0).ends_with(" cat=3")) << Line(0);
     EXPECT_EQ(Line(1), "\"again\" \"affiliate=wall\" cat=3");
+}
+
+TEST_F(ImportDictionary, WritesTheSameFilesWhenAnotherThreadMakesTheRecords)
+{
+    const RwFile::PCTexture plain = {.name = "plain",
+                                     .rasterFormat = 0x200,
+                                     .width = 4,
+                                     .height = 4,
+                                     .depth = 16,
+                                     .pixels = RwFile::Filled(32, 0x18)};
+    m_oFiles.Put(kFile, Dictionary({Shade("wall", 1), Shade("again", 1), Shade("odd", 5, 7), Damaged(),
+                                    RwFile::PCNative(plain), Shade("wall", 9, 64), Shade("", 3),
+                                    Shade("last", 9, 64)}));
+    const auto filesAfter = [this](const DictionaryImportOptions& options) {
+        CTestDatabase database({CacheIndex::Dxt, CacheIndex::Unc});
+        CTXDHelper helper(database.Plugins(), m_oFailures, m_oFiles);
+        helper.OpenDictionary(kFile);
+        CScriptedPrompt prompt({PromptAnswer::Yes});
+        CNoProgress progress;
+        CDictionaryImporter importer(*database, database.Plugins(), database.Settings(), prompt, progress,
+                                     options);
+        const ImportCounts counts = importer.RunAll(helper);
+        EXPECT_EQ(counts.imported + counts.aliased, 5U);
+        EXPECT_EQ(counts.failed, 3U) << "seven pixels a side, the damaged one, the one without a name";
+        EXPECT_EQ(prompt.Shown().size(), 3U) << "a stop box told of the damaged one";
+        return FilesOf(database.Folder().Path());
+    };
+    EXPECT_EQ(filesAfter({}), filesAfter({.whileWaiting = [] {}}));
+}
+
+TEST_F(ImportDictionary, LetsAWindowPaintWhileTheRecordsAreMade)
+{
+    constexpr auto encodeSlowly = [](const void*, void* destination, std::uint32_t width,
+                                     std::uint32_t height, std::uint32_t, std::uint32_t) -> std::uint32_t {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        const std::uint32_t bytes = (width + 3) / 4 * ((height + 3) / 4) * 8;
+        std::memset(destination, 0, bytes);
+        return bytes;
+    };
+    m_oDatabase.Plugins().BindFunctions(CacheIndex::Dxt, encodeSlowly, nullptr);
+    int calls = 0;
+    const auto own = std::this_thread::get_id();
+    const RwFile::PCTexture plain = {.name = "plain",
+                                     .rasterFormat = 0x200,
+                                     .width = 4,
+                                     .height = 4,
+                                     .depth = 16,
+                                     .pixels = RwFile::Filled(32, 0x18)};
+    const auto counts = Run({RwFile::PCNative(plain)}, {}, {.whileWaiting = [&calls, own] {
+                                EXPECT_EQ(std::this_thread::get_id(), own);
+                                ++calls;
+                            }});
+    EXPECT_EQ(counts.imported, 1U);
+    EXPECT_GT(calls, 0);
 }
 
 TEST_F(ImportDictionary, ImportsTheChosenTexturesOnly)
