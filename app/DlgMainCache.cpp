@@ -37,7 +37,7 @@ bool CDlgMain::HasDatabaseOrSaysSo()
 void CDlgMain::LetGoOfDatabase()
 {
     // A value or a label that is being typed must not end up in the next database.
-
+    m_oProperties.Clear();
     m_oTree.Clear();
     m_oNewLabel = {};
     m_pDatabase.reset();
