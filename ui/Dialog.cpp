@@ -19,6 +19,17 @@ const DLGTEMPLATE* TemplateOf(HINSTANCE module, int id)
     return loaded != nullptr ? static_cast<const DLGTEMPLATE*>(::LockResource(loaded)) : nullptr;
 }
 
+// Its system menu, which some dialogs have commands in, opens at the icon.
+void TakeIconsOfOwner(const CWindow& dialog)
+{
+    const CWindow owner(::GetWindow(dialog.Handle(), GW_OWNER));
+    if (!owner.Exists())
+        return;
+    for (const WPARAM size : {ICON_SMALL, ICON_BIG})
+        if (const LRESULT icon = owner.Send(WM_GETICON, size); icon != 0)
+            dialog.Send(WM_SETICON, size, icon);
+}
+
 }  // namespace
 
 CDialog::~CDialog()
@@ -85,8 +96,10 @@ void CDialog::End(INT_PTR result)
 INT_PTR CDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     try {
-        if (message == WM_INITDIALOG)
+        if (message == WM_INITDIALOG) {
+            TakeIconsOfOwner(*this);
             return OnInit() ? TRUE : FALSE;
+        }
         if ((message == WM_COMMAND || message == WM_CLOSE) && !AcceptsCommands())
             return TRUE;
         const auto result = m_oMessages.Dispatch(message, wParam, lParam);
