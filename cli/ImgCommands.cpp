@@ -192,6 +192,15 @@ std::string SyncDocument(const UsedTextures& used, const UnusedTextures& unused,
     return json.EndArray().EndObject().Document();
 }
 
+// --delete is the answer already. Only models that could not be read are a reason to ask: textures that they
+// name look unused.
+bool MayDelete(CSession& session, std::size_t textures, const UsedTextures& used)
+{
+    if (used.modelsSkipped == 0 && session.Options().answer != PromptAnswer::No)
+        return true;
+    return session.Prompt().Show(DeletionQuestion(textures, used)) == PromptAnswer::Yes;
+}
+
 ExitCode RunSync(CSession& session, const CArguments& arguments)
 {
     CTextureDatabase& database = session.OpenDatabase(arguments.Words()[1]);
@@ -200,8 +209,7 @@ ExitCode RunSync(CSession& session, const CArguments& arguments)
     const auto rows = CheckedRows(database, unused.entries);
     WriteUnused(session, database, unused);
     SyncDeletion deletion;
-    if (arguments.Has(L"--delete") && !rows.empty() &&
-        session.Prompt().Show(DeletionQuestion(rows.size(), used)) == PromptAnswer::Yes) {
+    if (arguments.Has(L"--delete") && !rows.empty() && MayDelete(session, rows.size(), used)) {
         deletion = DeleteUnusedTextures(database, rows, session.Progress());
         if (!session.Options().json)
             WriteOutput(DeletionStatusText(deletion) + L"\n");

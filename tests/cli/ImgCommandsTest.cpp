@@ -221,17 +221,27 @@ TEST_F(ImgCommands, ShowsUnusedTexturesAndDeletesNothing)
     EXPECT_TRUE(FilesOf(m_oFolder / "db") == before);
 }
 
-TEST_F(ImgCommands, DeletesUnusedTexturesOnRequestAndAfterAnAnswer)
+TEST_F(ImgCommands, AsksBeforeItDeletesWhatASkippedModelMayUse)
 {
     FillDatabase();
     WriteModels({"again", "roof"});
+    Write({{.name = "broken.dff", .contents = BytesOf("no model")}}, "broken.img");
     const FileBytes before = FilesOf(m_oFolder / "db");
-    const auto asked = Sync({L"--delete"});
+    const std::wstring broken = Archive("broken.img");
+    const auto asked = Sync({broken, L"--delete"});
     EXPECT_EQ(asked.code, ExitCode::QuestionUnanswered);
-    EXPECT_THAT(asked.err, HasSubstr("Delete 2 textures?\n\nModels read: 1\nModels skipped: 0"));
+    EXPECT_THAT(asked.err, HasSubstr("Delete 2 textures?\n\nModels read: 1\nModels skipped: 1"));
+    EXPECT_EQ(Sync({broken, L"--delete", L"--no"}).code, ExitCode::Done);
     EXPECT_EQ(Sync({L"--delete", L"--no"}).code, ExitCode::Done);
     EXPECT_TRUE(FilesOf(m_oFolder / "db") == before);
-    const auto deleted = Sync({L"--delete", L"--yes", L"--json"});
+    EXPECT_THAT(Sync({broken, L"--delete", L"--yes"}).out, HasSubstr("1 deleted, 1 kept"));
+}
+
+TEST_F(ImgCommands, DeletesUnusedTexturesOnRequest)
+{
+    FillDatabase();
+    WriteModels({"again", "roof"});
+    const auto deleted = Sync({L"--delete", L"--json"});
     EXPECT_EQ(deleted.code, ExitCode::Done) << deleted.err;
     // The used alias keeps its original.
     EXPECT_THAT(deleted.out,
