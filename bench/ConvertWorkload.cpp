@@ -117,8 +117,8 @@ void MeasureConverting(CReport& report)
         CConverter converter({database, plugins, *settings, prompt, progress}, {.jobs = kEncoderThreads});
         ConversionCounts counts;
         converting.Add([&] { counts = converter.Run(kRequest); });
-        isCorrect = isCorrect && counts.converted == kTexturesATurn && database.IsTocValid(kRequest.target) &&
-                    RasterBytes(database, kRequest.target) == bytes;
+        isCorrect = isCorrect && counts.converted + counts.aliases == kTexturesATurn &&
+                    database.IsTocValid(kRequest.target) && RasterBytes(database, kRequest.target) == bytes;
     }
     isCorrect = isCorrect && prompt.Shown() == 0;
     report.Add({.workload = "convert",
