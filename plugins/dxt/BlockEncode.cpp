@@ -91,7 +91,7 @@ void EncodeRow(const std::uint8_t* pixels, std::size_t stride, std::size_t count
 }
 
 template <Variant Format>
-EncodeRowFn RowFor(Plugin::Quality quality)
+Plugin::EncodeRowFn RowFor(Plugin::Quality quality)
 {
     switch (quality) {
         case Plugin::Quality::Normal:
@@ -107,7 +107,7 @@ EncodeRowFn RowFor(Plugin::Quality quality)
 }
 }  // namespace
 
-EncodeRowFn BlockEncodeRowFor(Variant variant, Plugin::Quality quality)
+Plugin::EncodeRowFn BlockEncodeRowFor(Variant variant, Plugin::Quality quality)
 {
     return variant == Variant::Dxt3 ? RowFor<Variant::Dxt3>(quality) : RowFor<Variant::Dxt1Alpha>(quality);
 }

@@ -9,6 +9,6 @@
 namespace Dxt {
 
 /// For Variant::Dxt1Alpha and Variant::Dxt3.
-EncodeRowFn BlockEncodeRowFor(Variant variant, Plugin::Quality quality);
+Plugin::EncodeRowFn BlockEncodeRowFor(Variant variant, Plugin::Quality quality);
 
 }  // namespace Dxt

@@ -1,9 +1,9 @@
 #include "plugins/dxt/Dxt.h"
 
 #include "plugins/common/BlockLevel.h"
+#include "plugins/common/LevelEncode.h"
 #include "plugins/common/RowTeam.h"
 #include "plugins/dxt/BlockEncode.h"
-#include "plugins/dxt/LevelEncode.h"
 #include "plugins/dxt/RowDecode.h"
 
 namespace Dxt {
@@ -25,7 +25,7 @@ std::uint64_t PixelsPerThread(Plugin::Quality quality)
     return 1;
 }
 
-EncodeRowFn EncodeRowFor(const EncodeOptions& options)
+Plugin::EncodeRowFn EncodeRowFor(const EncodeOptions& options)
 {
     const EncodeKernels& kernels =
         EncodeKernelsFor(options.instructionSet.value_or(Plugin::PreferredInstructionSet()));
@@ -85,14 +85,15 @@ std::uint32_t Decompress(const void* source, void* destination, std::uint32_t wi
 std::uint32_t Compress(const void* source, void* destination, std::uint32_t width, std::uint32_t height,
                        const EncodeOptions& options)
 {
-    LevelEncoder encoder{EncodeRowFor(options), BlockBytes(options.variant), std::nullopt, options.threads};
+    Plugin::LevelEncoder encoder{EncodeRowFor(options), BlockBytes(options.variant), std::nullopt,
+                                 options.threads};
     if (options.dithering)
         encoder.dithering = DitheringBits(options.variant);
     if (encoder.threads == 0)
         encoder.threads =
             Plugin::TeamSizeFor(std::uint64_t{width} * height, PixelsPerThread(options.quality));
-    return EncodeLevel(static_cast<const std::uint8_t*>(source), static_cast<std::uint8_t*>(destination),
-                       width, height, encoder);
+    return Plugin::EncodeLevel(static_cast<const std::uint8_t*>(source),
+                               static_cast<std::uint8_t*>(destination), width, height, encoder);
 }
 
 }  // namespace Dxt

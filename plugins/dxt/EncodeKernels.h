@@ -3,22 +3,16 @@
 // The encoding kernels: one row of whole blocks at a time, several blocks at once. They exist for every
 // instruction set and give the same bytes with each. Functions only; nothing is owned.
 
-#include <cstddef>
-#include <cstdint>
-
 #include "plugins/common/InstructionSet.h"
+#include "plugins/common/LevelEncode.h"
 #include "plugins/common/PluginInfo.h"
 
 namespace Dxt {
 
-/// Encodes `count` blocks that lie side by side in four rows of R G B A pixels, `stride` bytes apart.
-using EncodeRowFn = void (*)(const std::uint8_t* pixels, std::size_t stride, std::size_t count,
-                             std::uint8_t* out);
-
 /// By quality level, in the order of Plugin::Quality.
 struct EncodeKernels {
-    EncodeRowFn dxt1[4];
-    EncodeRowFn dxt5[4];
+    Plugin::EncodeRowFn dxt1[4];
+    Plugin::EncodeRowFn dxt5[4];
 };
 
 /// The kernels of an instruction set that IsSupported() allows.

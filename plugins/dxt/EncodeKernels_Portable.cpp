@@ -1,4 +1,4 @@
-#include "plugins/dxt/Lanes_Portable.h"
+#include "plugins/common/Lanes_Portable.h"
 
 #define MAVREL_DXT_KERNELS kEncodeKernels_Portable
 #include "plugins/dxt/EncodeKernels_Body.h"

@@ -1,6 +1,6 @@
 #include "plugins/pvrtc/FitKernels.h"
 
-#if defined(__AVX2__)
+#ifdef MAVREL_VECTOR_KERNELS
 #include "plugins/pvrtc/Lanes_Avx2.h"
 // The kernels are written in terms of the lanes.
 #include "plugins/pvrtc/CellKernels.h"

@@ -1,6 +1,6 @@
 #include "plugins/pvrtc/FitKernels.h"
 
-#if defined(__SSE4_1__) || defined(_M_X64)
+#ifdef MAVREL_VECTOR_KERNELS
 #include "plugins/pvrtc/Lanes_Sse41.h"
 // The kernels are written in terms of the lanes.
 #include "plugins/pvrtc/CellKernels.h"

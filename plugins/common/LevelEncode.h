@@ -3,19 +3,22 @@
 // Walks one level for the encoding kernels: hands them rows of whole blocks, fills blocks that stick out of
 // the picture, dithers, and shares the rows among threads. Nothing is owned; buffers may have any alignment.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
 #include "plugins/common/ErrorDiffusion.h"
-#include "plugins/dxt/EncodeKernels.h"
+namespace Plugin {
 
-namespace Dxt {
+/// Encodes `count` whole blocks that lie side by side in four rows of R G B A pixels, `stride` bytes apart.
+using EncodeRowFn = void (*)(const std::uint8_t* pixels, std::size_t stride, std::size_t count,
+                             std::uint8_t* out);
 
 struct LevelEncoder {
     EncodeRowFn encodeRow;
     std::size_t blockBytes;
     /// When set, the pixels pass through error diffusion to these depths first, on the calling thread.
-    std::optional<Plugin::ChannelBits> dithering;
+    std::optional<ChannelBits> dithering;
     /// Threads that share the rows, the calling one included.
     unsigned threads;
 };
@@ -26,4 +29,4 @@ struct LevelEncoder {
 std::uint32_t EncodeLevel(const std::uint8_t* source, std::uint8_t* destination, std::uint32_t width,
                           std::uint32_t height, const LevelEncoder& encoder);
 
-}  // namespace Dxt
+}  // namespace Plugin

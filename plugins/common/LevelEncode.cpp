@@ -1,4 +1,4 @@
-#include "plugins/dxt/LevelEncode.h"
+#include "plugins/common/LevelEncode.h"
 
 #include <algorithm>
 #include <array>
@@ -8,11 +8,8 @@
 #include "plugins/common/BlockLevel.h"
 #include "plugins/common/RowTeam.h"
 
-namespace Dxt {
+namespace Plugin {
 namespace {
-using Plugin::kBlockSide;
-using Plugin::kPixelBytes;
-
 constexpr std::size_t kBlockRowBytes = kBlockSide * kPixelBytes;
 // Blocks that stick out are filled so many at a time.
 constexpr std::size_t kFilledBlocks = 16;
@@ -59,7 +56,7 @@ void EncodeStrip(const Strip& strip, const LevelEncoder& encoder, std::uint8_t* 
 void EncodeDithered(const std::uint8_t* source, std::uint8_t* destination, std::size_t width,
                     std::size_t height, const LevelEncoder& encoder)
 {
-    Plugin::CErrorDiffusion diffusion(width, *encoder.dithering);
+    CErrorDiffusion diffusion(width, *encoder.dithering);
     const std::size_t stride = width * kPixelBytes;
     std::vector<std::uint8_t> dithered(stride * kBlockSide);
     for (std::size_t top = 0; top < height; top += kBlockSide) {
@@ -75,7 +72,7 @@ void EncodeDithered(const std::uint8_t* source, std::uint8_t* destination, std::
 std::uint32_t EncodeLevel(const std::uint8_t* source, std::uint8_t* destination, std::uint32_t width,
                           std::uint32_t height, const LevelEncoder& encoder)
 {
-    const std::uint32_t total = Plugin::LevelBytes(width, height, encoder.blockBytes);
+    const std::uint32_t total = LevelBytes(width, height, encoder.blockBytes);
     if (total == 0)
         return 0;
     if (encoder.dithering) {
@@ -92,10 +89,10 @@ std::uint32_t EncodeLevel(const std::uint8_t* source, std::uint8_t* destination,
     };
     const auto rows = static_cast<std::uint32_t>((std::uint64_t{height} + kBlockSide - 1) / kBlockSide);
     if (encoder.threads > 1)
-        Plugin::CRowTeam(encoder.threads).Run(rows, encodeRows);
+        CRowTeam(encoder.threads).Run(rows, encodeRows);
     else
         encodeRows(0, rows, 0);
     return total;
 }
 
-}  // namespace Dxt
+}  // namespace Plugin
