@@ -18,9 +18,10 @@ Codec DxtCodec(const char* name, Dxt::Variant variant)
             .hasAlpha = variant != Dxt::Variant::Dxt1,
             .levelBytes = [=](Size size) { return Blocks(size) * Dxt::BlockBytes(variant); },
             .encode =
-                [=](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality) {
+                [=](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality,
+                    unsigned threads) {
                     return Dxt::Compress(pixels, level, size.width, size.height,
-                                         {.variant = variant, .quality = quality, .threads = 1});
+                                         {.variant = variant, .quality = quality, .threads = threads});
                 },
             .decode =
                 [=](const std::uint8_t* level, std::uint8_t* pixels, Size size) {
@@ -33,25 +34,26 @@ Codec Etc1Codec()
     return {.name = "ETC1",
             .levelBytes = [](Size size) { return Blocks(size) * 8; },
             .encode =
-                [](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality) {
+                [](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality,
+                   unsigned /*threads*/) {
                     return Etc1::Compress(pixels, level, size.width, size.height, {.quality = quality});
                 },
             .decode = [](const std::uint8_t* level, std::uint8_t* pixels,
                          Size size) { return Etc1::Decompress(level, pixels, size.width, size.height); }};
 }
 
-// As the program uses them: two bits a pixel without alpha, four with it.
-Codec PvrtcCodec(const char* name, std::uint32_t bits)
+Codec PvrtcCodec(const char* name, std::uint32_t bits, bool hasAlpha)
 {
     return {.name = name,
-            .hasAlpha = bits == 4,
+            .hasAlpha = hasAlpha,
             .onlyPowersOfTwo = true,
             .levelBytes = [=](Size size) { return Pvrtc::PvrtcLevelBytes(size.width, size.height, bits); },
             .encode =
-                [=](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality) {
+                [=](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality,
+                    unsigned threads) {
                     return Pvrtc::PvrtcEncode(
                         pixels, level, size.width, size.height,
-                        {.bitsPerPixel = bits, .alpha = bits == 4, .quality = quality, .threads = 1});
+                        {.bitsPerPixel = bits, .alpha = hasAlpha, .quality = quality, .threads = threads});
                 },
             .decode =
                 [=](const std::uint8_t* level, std::uint8_t* pixels, Size size) {
@@ -67,8 +69,9 @@ std::vector<Codec> BlockCodecs()
             DxtCodec("DXT3", Dxt::Variant::Dxt3),
             DxtCodec("DXT5", Dxt::Variant::Dxt5),
             Etc1Codec(),
-            PvrtcCodec("PVRTC2", 2),
-            PvrtcCodec("PVRTC4", 4)};
+            PvrtcCodec("PVRTC2", 2, false),
+            PvrtcCodec("PVRTC4", 4, true),
+            PvrtcCodec("PVRTC4-RGB", 4, false)};
 }
 
 std::string QualityText(Plugin::Quality quality)

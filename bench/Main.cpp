@@ -1,4 +1,4 @@
-// mavrel-bench [--pictures DIR] [--only PREFIX] [--check]
+// mavrel-bench [--pictures DIR] [--only PREFIX] [--table FILE] [--check]
 //
 // Measures how fast the core is, each workload against a baseline of the same run, so that the ratios can be
 // compared between machines. Results are checked; a wrong one ends the run with exit code 1.
@@ -35,15 +35,15 @@
 //   img-sync             bytes read for the texture names of 2000 models in an archive, against its length
 //   img-import, img-work importing 120 textures of 256 x 256 from the dictionaries of an archive, as import
 //   img-memory           memory at most meanwhile, in textures as bitmaps with their records
-//   encode-FORMAT-QUALITY
-//                        megapixels a second and PSNR on one thread. Formats with alpha take the pictures
-//                        that have alpha, PVRTC those whose sides are powers of two
-//   dxt1-NAME, dxt5-NAME the DXT encoders at every level with one thread and with two, and stb_dxt and
-//                        libsquish when they were there for the build; speed against dxt1-stb, mean PSNR of
-//                        the opaque pictures or of those with alpha, and the PSNR of each
+//   encode-FORMAT-ENCODER
+//                        the block encoders at every level with one thread and with two, and stb_dxt and
+//                        libsquish when they were there for the build; speed against stb_dxt encoding DXT1,
+//                        mean PSNR of the opaque pictures or, RGBA, of those with alpha, and the PSNR of each.
+//                        "visible" leaves out the colours of pixels whose alpha is 0
 //
 //   --pictures DIR   PNG files to encode; without it, some of the demo's pictures
 //   --only PREFIX    only workloads whose names begin so, for example "decode" or "encode-ETC1"
+//   --table FILE     writes what encode-... finds as comma separated values, for scripts/plot-encoders
 //   --check          exit code 1 when a limit is exceeded
 
 #include <array>
@@ -54,11 +54,11 @@
 #include <string>
 
 #include "bench/BigDatabase.h"
-#include "bench/CodecWorkloads.h"
 #include "bench/ConvertWorkload.h"
+#include "bench/DecodeWorkloads.h"
 #include "bench/DeleteWorkload.h"
 #include "bench/DictionaryMemory.h"
-#include "bench/DxtWorkloads.h"
+#include "bench/EncodeWorkloads.h"
 #include "bench/ImgWorkloads.h"
 #include "bench/ImportWorkload.h"
 #include "bench/OpenWorkloads.h"
@@ -70,6 +70,7 @@ namespace {
 struct Options {
     std::optional<std::filesystem::path> pictures;
     std::string only;
+    std::optional<std::filesystem::path> table;
     bool check = false;
     /// Set for the process that MeasureMemory starts.
     std::optional<std::filesystem::path> resident;
@@ -87,6 +88,8 @@ std::optional<Options> ParseOptions(int count, char** arguments)
             options.pictures = arguments[++i];
         else if (word == "--only" && hasValue)
             options.only = arguments[++i];
+        else if (word == "--table" && hasValue)
+            options.table = arguments[++i];
         else if (word == "--resident" && hasValue)
             options.resident = arguments[++i];
         else
@@ -139,10 +142,7 @@ int Run(const Options& options)
     if (Concerns("encode-", options.only))
         Bench::MeasureEncoding(
             options.pictures ? Bench::LoadPictures(*options.pictures) : Bench::DemoPictures(), options.only,
-            report);
-    if (Concerns("dxt", options.only))
-        Bench::MeasureDxt(options.pictures ? Bench::LoadPictures(*options.pictures) : Bench::DemoPictures(),
-                          options.only, report);
+            options.table, report);
     if (!report.AllCorrect())
         return 1;
     return options.check && !report.AllWithinLimits() ? 1 : 0;
@@ -155,7 +155,7 @@ int main(int count, char** arguments)
     const long emptyKib = Bench::ResidentKib();
     const std::optional<Options> options = ParseOptions(count, arguments);
     if (!options) {
-        std::fputs("usage: mavrel-bench [--pictures DIR] [--only PREFIX] [--check]\n", stderr);
+        std::fputs("usage: mavrel-bench [--pictures DIR] [--only PREFIX] [--table FILE] [--check]\n", stderr);
         return 2;
     }
     try {

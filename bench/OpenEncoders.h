@@ -17,7 +17,7 @@ struct OpenEncoder {
     std::function<void(const std::uint8_t*, std::uint8_t*, Size)> dxt1;
     std::function<void(const std::uint8_t*, std::uint8_t*, Size)> dxt5;
     bool isUnit = false;  ///< its DXT1 is what speeds are compared with
-    int runs = 5;
+    int runs = 20;
 };
 
 std::vector<OpenEncoder> OpenEncoders();

@@ -60,29 +60,22 @@ std::vector<PixelPicture> DemoPictures()
     return pictures;
 }
 
-double SquaredError(const std::vector<std::uint8_t>& original, const std::vector<std::uint8_t>& decoded,
-                    Channels channels)
+double Psnr(const std::vector<std::uint8_t>& original, const std::vector<std::uint8_t>& decoded,
+            Channels channels)
 {
     double sum = 0;
-    for (std::size_t i = 0; i < original.size(); i += 4) {
-        const double alphaA = channels == Channels::Rgba ? original[i + 3] / 255.0 : 1;
-        const double alphaB = channels == Channels::Rgba ? decoded[i + 3] / 255.0 : 1;
-        for (std::size_t channel = 0; channel < 3; ++channel) {
-            const double difference = original[i + channel] * alphaA - decoded[i + channel] * alphaB;
-            sum += difference * difference;
-        }
-        const double difference = (alphaA - alphaB) * 255;
+    double samples = 0;
+    for (std::size_t i = 0; i < original.size(); ++i) {
+        const bool isAlpha = i % 4 == 3;
+        if (isAlpha && channels == Channels::Rgb)
+            continue;
+        if (!isAlpha && channels == Channels::Visible && original[i | 3U] == 0)
+            continue;
+        const double difference = double{1} * original[i] - decoded[i];
         sum += difference * difference;
+        ++samples;
     }
-    return sum;
-}
-
-double PsnrOf(double squaredError, double pixels, Channels channels)
-{
-    if (squaredError <= 0)
-        return 99;
-    const double samples = pixels * (channels == Channels::Rgba ? 4 : 3);
-    return 10 * std::log10(255.0 * 255.0 * samples / squaredError);
+    return sum <= 0 ? 99 : 10 * std::log10(255.0 * 255.0 * samples / sum);
 }
 
 }  // namespace Bench

@@ -26,13 +26,12 @@ std::vector<PixelPicture> LoadPictures(const std::filesystem::path& folder);
 std::vector<PixelPicture> DemoPictures();
 
 enum class Channels {
-    Rgb,   ///< alpha is not looked at
-    Rgba,  ///< colours count by their alpha, as a renderer shows them, and alpha counts as a fourth channel
+    Rgb,      ///< alpha is not looked at
+    Rgba,     ///< alpha counts like a colour
+    Visible,  ///< the same without the colours of pixels whose alpha is 0 in the original
 };
-/// Sum of the squared differences of all channels.
-double SquaredError(const std::vector<std::uint8_t>& original, const std::vector<std::uint8_t>& decoded,
-                    Channels channels);
-/// Decibels of a sum over `pixels` pixels; 99 for no difference.
-double PsnrOf(double squaredError, double pixels, Channels channels);
+/// Peak signal-to-noise ratio of two pictures of one size, in decibels; 99 when they are equal.
+double Psnr(const std::vector<std::uint8_t>& original, const std::vector<std::uint8_t>& decoded,
+            Channels channels);
 
 }  // namespace Bench

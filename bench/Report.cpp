@@ -23,7 +23,7 @@ std::string LimitText(const Line& line)
 void PrintRow(const char* workload, const char* measured, const char* baseline, const char* ratio,
               const char* limit)
 {
-    std::printf("| %-22s | %-34s | %-30s | %7s | %-12s |\n", workload, measured, baseline, ratio, limit);
+    std::printf("| %-26s | %-41s | %-30s | %7s | %-12s |\n", workload, measured, baseline, ratio, limit);
     std::fflush(stdout);
 }
 }  // namespace

@@ -1,4 +1,4 @@
-#include "bench/CodecWorkloads.h"
+#include "bench/DecodeWorkloads.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,10 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+#include <vector>
 
+#include "bench/Codecs.h"
+#include "bench/Pictures.h"
 #include "bench/Stopwatch.h"
 #include "demo/Radar.h"
 #include "image/RasterToBitmap.h"
@@ -59,15 +62,14 @@ Line DecodeLine(const std::string& workload, double decoding, double copying, bo
 void MeasureBlockDecoding(const Codec& codec, const PixelPicture& map, double copying, CReport& report)
 {
     std::vector<std::uint8_t> level(codec.levelBytes(map.size));
-    codec.encode(map.pixels.data(), level.data(), map.size, Plugin::Quality::Fast);
+    codec.encode(map.pixels.data(), level.data(), map.size, Plugin::Quality::Fast, 1);
     std::vector<std::uint8_t> pixels(kDecodedBytes);
     std::uint32_t written = 0;
     const double decoding = ShortestCall([&] {
         written = codec.decode(level.data(), pixels.data(), map.size);
         KeepAlive(pixels.data());
     });
-    const double psnr =
-        PsnrOf(SquaredError(map.pixels, pixels, Channels::Rgb), kDecodedBytes / 4.0, Channels::Rgb);
+    const double psnr = Psnr(map.pixels, pixels, Channels::Rgb);
     report.Add(
         DecodeLine("decode-" + codec.name, decoding, copying, written == kDecodedBytes && psnr > kWorstPsnr));
 }
@@ -121,60 +123,6 @@ void MeasurePlainDecoding(const PlainLayout& layout, double copying, CReport& re
     report.Add(DecodeLine(std::string("decode-") + layout.name, decoding, copying,
                           written == kDecodedBytes && hasContents));
 }
-
-bool IsPowerOfTwo(std::uint32_t side)
-{
-    return side != 0 && (side & (side - 1)) == 0;
-}
-
-// Opaque formats get every picture; those with alpha only the pictures that have some.
-bool Suits(const Codec& codec, const PixelPicture& picture)
-{
-    if (codec.hasAlpha && !picture.hasAlpha)
-        return false;
-    return !codec.onlyPowersOfTwo || (IsPowerOfTwo(picture.size.width) && IsPowerOfTwo(picture.size.height));
-}
-
-void MeasureEncoder(const Codec& codec, Plugin::Quality quality, const std::vector<PixelPicture>& pictures,
-                    CReport& report)
-{
-    const Channels channels = codec.hasAlpha ? Channels::Rgba : Channels::Rgb;
-    double seconds = 0;
-    double error = 0;
-    double count = 0;
-    int used = 0;
-    bool isCorrect = true;
-    for (const PixelPicture& picture : pictures) {
-        if (!Suits(codec, picture))
-            continue;
-        std::vector<std::uint8_t> level(codec.levelBytes(picture.size));
-        std::vector<std::uint8_t> decoded(picture.pixels.size());
-        std::uint32_t written = 0;
-        seconds += ShortestRun(quality == Plugin::Quality::Best ? 1 : 2, [&] {
-            written = codec.encode(picture.pixels.data(), level.data(), picture.size, quality);
-            KeepAlive(level.data());
-        });
-        isCorrect = isCorrect && written == level.size() &&
-                    codec.decode(level.data(), decoded.data(), picture.size) == decoded.size();
-        error += SquaredError(picture.pixels, decoded, channels);
-        count += static_cast<double>(picture.pixels.size()) / 4;
-        ++used;
-    }
-    if (used == 0)
-        return;
-    const double psnr = PsnrOf(error, count, channels);
-    char measured[64];
-    std::snprintf(measured, sizeof measured, "%.2f Mpixel/s, %.2f dB", count / seconds / 1e6, psnr);
-    char on[64];
-    std::snprintf(on, sizeof on, "%d pictures, %.2f Mpixel %s", used, count / 1e6,
-                  channels == Channels::Rgba ? "RGBA" : "RGB");
-    report.Add({.workload = "encode-" + codec.name + "-" + QualityText(quality),
-                .measured = measured,
-                .baseline = on,
-                .ratio = {},
-                .limit = {},
-                .isCorrect = isCorrect && psnr > 15});
-}
 }  // namespace
 
 void MeasureDecoding(const std::string& only, CReport& report)
@@ -187,15 +135,6 @@ void MeasureDecoding(const std::string& only, CReport& report)
     for (const PlainLayout& layout : kPlainLayouts)
         if (IsWanted(std::string("decode-") + layout.name, only))
             MeasurePlainDecoding(layout, copying, report);
-}
-
-void MeasureEncoding(const std::vector<PixelPicture>& pictures, const std::string& only, CReport& report)
-{
-    for (const Codec& codec : BlockCodecs())
-        for (const Plugin::Quality quality :
-             {Plugin::Quality::Fast, Plugin::Quality::Normal, Plugin::Quality::High, Plugin::Quality::Best})
-            if (IsWanted("encode-" + codec.name + "-" + QualityText(quality), only))
-                MeasureEncoder(codec, quality, pictures, report);
 }
 
 }  // namespace Bench
