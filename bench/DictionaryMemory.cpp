@@ -7,35 +7,16 @@
 
 #include "base/Progress.h"
 #include "bench/BigDatabase.h"
+#include "bench/DxtDictionary.h"
 #include "bench/HeapPeak.h"
 #include "bench/SilentPrompt.h"
-#include "tests/support/RenderWareFiles.h"
 #include "tools/ImportDictionary.h"
 
 namespace Bench {
 namespace {
 
 constexpr std::uint32_t kTextures = 8;
-constexpr std::uint16_t kSide = 512;
-constexpr std::size_t kLevelBytes = std::size_t{kSide} * kSide;  // of DXT3
-constexpr std::size_t kBitmapBytes = std::size_t{kSide} * kSide * 4;
-
-RwFile::Bytes MakeDictionary()
-{
-    std::vector<RwFile::Bytes> natives;
-    for (std::uint32_t i = 0; i < kTextures; ++i) {
-        RwFile::Bytes pixels = RwFile::Counting(kLevelBytes);
-        pixels[0] = static_cast<std::byte>(i + 1);  // no texture is the same as another
-        natives.push_back(RwFile::PCNative({.name = "texture" + std::to_string(i),
-                                            .rasterFormat = 0x300,
-                                            .width = kSide,
-                                            .height = kSide,
-                                            .depth = 16,
-                                            .compression = 3,
-                                            .pixels = pixels}));
-    }
-    return RwFile::Dictionary(natives);
-}
+constexpr std::size_t kBitmapBytes = std::size_t{kDictionarySide} * kDictionarySide * 4;
 
 }  // namespace
 
@@ -43,7 +24,7 @@ void MeasureDictionaryMemory(CReport& report)
 {
     const CScratchFolder folder;
     const std::filesystem::path file = folder.Path() / "textures.txd";
-    if (!WriteWholeFile(DiskFileSystem(), file, MakeDictionary()))
+    if (!WriteWholeFile(DiskFileSystem(), file, MakeDxtDictionary(kTextures)))
         throw std::runtime_error("cannot write " + file.string());
     CSilentPrompt prompt;
     const auto settings = OpenSettings(folder.Path() / "bench.ini");
@@ -64,7 +45,7 @@ void MeasureDictionaryMemory(CReport& report)
     const std::size_t before = HeapBytes();
     const ImportCounts counts = importer.RunAll(helper);
     const auto most = static_cast<double>(HeapPeak() - before);
-    constexpr double kAllowed = kLevelBytes + kBitmapBytes;
+    constexpr double kAllowed = kDictionaryLevelBytes + kBitmapBytes;
     std::array<char, 64> measured{};
     std::snprintf(measured.data(), measured.size(), "%.2f MB above the list", most / 1e6);
     std::array<char, 64> baseline{};

@@ -9,6 +9,7 @@
 #include "base/ByteReader.h"
 #include "bench/BigDatabase.h"
 #include "bench/CountingFileSystem.h"
+#include "bench/DxtDictionary.h"
 #include "bench/Stopwatch.h"
 #include "plugins/dxt/Dxt.h"
 #include "rw/ModelTextures.h"
@@ -19,8 +20,6 @@ namespace Bench {
 namespace {
 
 constexpr std::uint32_t kTextures = 240;
-constexpr std::uint16_t kSide = 512;
-constexpr std::size_t kLevelBytes = std::size_t{kSide} * kSide;  // of DXT3
 constexpr std::uint32_t kModels = 1000;
 constexpr std::size_t kModelBytes = 50000;
 constexpr double kMostBytesRead = 0.01;
@@ -38,21 +37,6 @@ void WriteFile(const std::filesystem::path& file, const RwFile::Bytes& bytes)
 {
     if (!WriteWholeFile(DiskFileSystem(), file, bytes))
         throw std::runtime_error("cannot write " + file.string());
-}
-
-RwFile::Bytes BigDictionary()
-{
-    std::vector<RwFile::Bytes> natives;
-    natives.reserve(kTextures);
-    for (std::uint32_t i = 0; i < kTextures; ++i)
-        natives.push_back(RwFile::PCNative({.name = "texture" + std::to_string(i),
-                                            .rasterFormat = 0x300,
-                                            .width = kSide,
-                                            .height = kSide,
-                                            .depth = 16,
-                                            .compression = 3,
-                                            .pixels = RwFile::Counting(kLevelBytes)}));
-    return RwFile::Dictionary(natives);
 }
 
 void MeasureListing(const std::filesystem::path& file, CReport& report)
@@ -90,8 +74,9 @@ void MeasureDecodingDictionary(const std::filesystem::path& file, CReport& repor
     CTXDHelper helper(plugins, failures);
     helper.OpenDictionary(file);
     // The same bytes as in the file, already in memory.
-    const RwFile::Bytes levels =
-        RwFile::Joined(std::vector<RwFile::Bytes>(kTextures, RwFile::Counting(kLevelBytes)));
+    std::vector<RwFile::Bytes> levels;
+    for (std::uint32_t i = 0; i < kTextures; ++i)
+        levels.push_back(DictionaryLevel(i));
     CBitmap bare;
     bool isCorrect = true;
     double ours = 1e30;
@@ -100,18 +85,18 @@ void MeasureDecodingDictionary(const std::filesystem::path& file, CReport& repor
     for (int round = 0; round < 5; ++round) {
         ours = std::min(ours, ShortestRun(1, [&] {
                             for (std::uint32_t i = 0; i < kTextures; ++i)
-                                isCorrect = helper.ToBitmap(i).Width() == kSide && isCorrect;
+                                isCorrect = helper.ToBitmap(i).Width() == kDictionarySide && isCorrect;
                         }));
         decoding = std::min(decoding, ShortestRun(1, [&] {
                                 for (std::uint32_t i = 0; i < kTextures; ++i) {
-                                    bare = CBitmap::Create(kSide, kSide).value();
-                                    DecodeDxt(levels.data() + i * kLevelBytes, bare.Pixels().data(), kSide,
-                                              kSide, 0, MavrelAlpha);
+                                    bare = CBitmap::Create(kDictionarySide, kDictionarySide).value();
+                                    DecodeDxt(levels[i].data(), bare.Pixels().data(), kDictionarySide,
+                                              kDictionarySide, 0, MavrelAlpha);
                                     KeepAlive(bare.Pixels().data());
                                 }
                             }));
     }
-    const CBitmap bitmap = helper.ToBitmap(0);
+    const CBitmap bitmap = helper.ToBitmap(kTextures - 1);
     const auto drawn = bitmap.Pixels();
     const auto decoded = std::as_const(bare).Pixels();
     for (std::size_t at = 0; at < drawn.size(); at += 4)
@@ -208,7 +193,7 @@ void MeasureRenderWare(const std::string& only, CReport& report)
     const CScratchFolder folder;
     if (Concerns("rw-list", only) || Concerns("rw-decode", only)) {
         const std::filesystem::path file = folder.Path() / "big.txd";
-        WriteFile(file, BigDictionary());
+        WriteFile(file, MakeDxtDictionary(kTextures));
         if (Concerns("rw-list", only))
             MeasureListing(file, report);
         if (Concerns("rw-decode", only))

@@ -21,14 +21,9 @@ void CArchiveDialog::BindMessages()
         OnClose();
         return 0;
     });
-    messages.OnMessage(WM_SIZE, [this](WPARAM, LPARAM) {
+    m_oAnchors.Bind(messages, [this] {
         m_oColumns.Rescale();
         m_oAnchors.Layout();
-        return 0;
-    });
-    messages.OnMessage(WM_GETMINMAXINFO, [this](WPARAM, LPARAM lParam) {
-        m_oAnchors.LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));  // NOLINT: the message has a pointer
-        return 0;
     });
     messages.OnNotify(static_cast<UINT_PTR>(m_oControls.list), static_cast<UINT>(LVN_GETDISPINFOW),
                       [this](NMHDR& header) {

@@ -33,14 +33,6 @@ SIZE SizeOf(const RECT& rect)
     return {rect.right - rect.left, rect.bottom - rect.top};
 }
 
-RECT WorkAreaOf(HWND window)
-{
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    ::GetMonitorInfoW(::MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
-}
-
 }  // namespace
 
 CDlgAliases::CDlgAliases(const RelationListParts& parts, RelationKind kind,
@@ -152,9 +144,9 @@ void CDlgAliases::PlaceWindow()
     ::AdjustWindowRectExForDpi(&frame, static_cast<DWORD>(::GetWindowLongPtrW(Handle(), GWL_STYLE)), FALSE,
                                static_cast<DWORD>(::GetWindowLongPtrW(Handle(), GWL_EXSTYLE)), dpi);
 
-    const HWND owner = ::GetWindow(Handle(), GW_OWNER);
-    const RECT work = WorkAreaOf(owner != nullptr ? owner : Handle());
-    const RECT around = owner != nullptr ? CWindow(owner).WindowRect() : work;
+    const CWindow owner(::GetWindow(Handle(), GW_OWNER));
+    const RECT work = owner.Exists() ? owner.WorkArea() : WorkArea();
+    const RECT around = owner.Exists() ? owner.WindowRect() : work;
     const SIZE size = {std::min(SizeOf(frame).cx, SizeOf(work).cx),
                        std::min(SizeOf(frame).cy, SizeOf(work).cy)};
     const LONG left = std::clamp((around.left + around.right - size.cx) / 2, work.left, work.right - size.cx);

@@ -66,14 +66,9 @@ void CDlgDFFCheck::BindMessages()
         ApplyLabel();
         return 0;
     });
-    messages.OnMessage(WM_SIZE, [this](WPARAM, LPARAM) {
+    m_oAnchors.Bind(messages, [this] {
         m_oColumns.Rescale();
         m_oTree.Layout();
-        return 0;
-    });
-    messages.OnMessage(WM_GETMINMAXINFO, [this](WPARAM, LPARAM lParam) {
-        m_oAnchors.LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));  // NOLINT: the message has a pointer
-        return 0;
     });
 }
 

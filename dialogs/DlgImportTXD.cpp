@@ -76,14 +76,9 @@ void CDlgImportTXD::BindMessages()
     messages.OnCommand(IDC_TXD_SHOW_TREE, [this] { m_oTree.Toggle(); });
     messages.OnSystemCommand(ID_TXD_EXPORT_CURRENT, [this] { ExportCurrent(); });
     messages.OnSystemCommand(ID_TXD_EXPORT_ALL, [this] { ExportAll(); });
-    messages.OnMessage(WM_SIZE, [this](WPARAM, LPARAM) {
+    m_oAnchors.Bind(messages, [this] {
         m_oColumns.Rescale();
         m_oTree.Layout();
-        return 0;
-    });
-    messages.OnMessage(WM_GETMINMAXINFO, [this](WPARAM, LPARAM lParam) {
-        m_oAnchors.LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));  // NOLINT: the message has a pointer
-        return 0;
     });
 }
 

@@ -56,14 +56,9 @@ void CDlgRadarEditor::BindMessages()
         Fill();
         return 0;
     });
-    messages.OnMessage(WM_SIZE, [this](WPARAM, LPARAM) {
+    m_oAnchors.Bind(messages, [this] {
         m_oColumns.Rescale();
         m_oAnchors.Layout();
-        return 0;
-    });
-    messages.OnMessage(WM_GETMINMAXINFO, [this](WPARAM, LPARAM lParam) {
-        m_oAnchors.LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));  // NOLINT: the message has a pointer
-        return 0;
     });
 }
 

@@ -12,14 +12,6 @@ constexpr int kAroundText = 14;
 constexpr int kCheckBox = 22;
 constexpr int kWidestColumn = 320;
 
-RECT WorkAreaOf(HWND window)
-{
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    ::GetMonitorInfoW(::MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
-}
-
 }  // namespace
 
 void CFittedColumns::Attach(const CWindow& dialog, const CListView& list, bool hasCheckBoxes)
@@ -58,7 +50,7 @@ void CFittedColumns::Fit() const
     if (missing <= 0)
         return;
     RECT place = m_oDialog.WindowRect();
-    const RECT work = WorkAreaOf(m_oDialog.Handle());
+    const RECT work = m_oDialog.WorkArea();
     const LONG width = std::min(place.right - place.left + missing, work.right - work.left);
     place.left = std::clamp(place.left - missing / 2, work.left, std::max(work.left, work.right - width));
     place.right = place.left + width;

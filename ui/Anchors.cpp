@@ -36,6 +36,18 @@ void CAnchors::Add(int id, const AnchorSides& sides)
          {place.left, place.top, client.right - place.right, client.bottom - place.bottom}});
 }
 
+void CAnchors::Bind(CMessageMap& messages, std::function<void()> layout)
+{
+    messages.OnMessage(WM_SIZE, [layout = std::move(layout)](WPARAM, LPARAM) {
+        layout();
+        return 0;
+    });
+    messages.OnMessage(WM_GETMINMAXINFO, [this](WPARAM, LPARAM lParam) {
+        LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));  // NOLINT: the message has a pointer
+        return 0;
+    });
+}
+
 void CAnchors::Layout()
 {
     if (m_aControls.empty())

@@ -4,8 +4,10 @@
 // a control that is anchored to both sides grows with the window, one that is anchored to one side moves
 // with it. The size of the template is the smallest one.
 
+#include <functional>
 #include <vector>
 
+#include "ui/MessageMap.h"
 #include "ui/Window.h"
 
 /// Which edges of the window a control keeps its distance to.
@@ -26,12 +28,15 @@ public:
     /// Leaves so many pixels at the right edge to somebody else: the controls keep their distance to what is
     /// left of the window.
     void ReserveRight(int width) { m_nReserved = width; }
-    /// For WM_SIZE: puts every control into its place.
+    /// Lets the dialog become no smaller than its template and calls `layout` whenever its size changes. To
+    /// be called in the dialog's constructor; the map must not outlive this object.
+    void Bind(CMessageMap& messages, std::function<void()> layout);
+    /// Puts every control into its place.
     void Layout();
-    /// For WM_GETMINMAXINFO: no smaller than the template.
-    void LimitSize(MINMAXINFO& info) const;
 
 private:
+    void LimitSize(MINMAXINFO& info) const;
+
     struct Anchored {
         HWND control;
         AnchorSides sides;

@@ -28,6 +28,14 @@ RECT CWindow::WindowRect() const
     return rect;
 }
 
+RECT CWindow::WorkArea() const
+{
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    ::GetMonitorInfoW(::MonitorFromWindow(m_hWindow, MONITOR_DEFAULTTONEAREST), &monitor);
+    return monitor.rcWork;
+}
+
 CNoRedraw::CNoRedraw(const CWindow& window) : m_oWindow(window)
 {
     m_oWindow.Send(WM_SETREDRAW, FALSE);

@@ -39,6 +39,8 @@ public:
     RECT ClientRect() const;
     /// Its rectangle on the screen.
     RECT WindowRect() const;
+    /// What the task bar leaves of the screen that shows most of the window.
+    RECT WorkArea() const;
     void Redraw() const { ::InvalidateRect(m_hWindow, nullptr, FALSE); }
     CWindow Child(int id) const { return CWindow(::GetDlgItem(m_hWindow, id)); }
     /// The dialog that stands in front of this window, or this window: what owns the next box, because a box
