@@ -45,7 +45,7 @@ void CDlgDFFCheck::Run(HWND owner)
 void CDlgDFFCheck::BindMessages()
 {
     CMessageMap& messages = Messages();
-    messages.OnCommand(IDCANCEL, [this] { End(IDCANCEL); });
+    messages.OnCommand(IDCANCEL, [this] { OnClose(); });
     messages.OnCommand(IDC_DFF_SAVE_AS, [this] { SaveAs(); });
     messages.OnCommand(IDC_DFF_SAVE_TEXT, [this] { SaveText(); });
     messages.OnCommand(IDC_DFF_SHOW_TREE, [this] { m_oTree.Toggle(); });
@@ -168,6 +168,7 @@ void CDlgDFFCheck::Rename(int row, const std::wstring& name)
     if (name == before)
         return;
     m_oCheck.Rename(before, name);
+    m_bHasUnsavedNames = true;
     ShowRow(row, CheckTextureName(m_pDatabase, name));
 }
 
@@ -183,6 +184,19 @@ void CDlgDFFCheck::SaveAs()
         return;
     if (const auto failure = m_oCheck.Save(*file))
         m_oParts.prompt.ShowError(*failure);
+    else
+        m_bHasUnsavedNames = false;
+}
+
+void CDlgDFFCheck::OnClose()
+{
+    if (m_bHasUnsavedNames && m_oParts.prompt.Show({.text = String(IDS_DFF_UNSAVED_NAMES),
+                                                    .caption = String(IDS_PROGRAM),
+                                                    .icon = PromptIcon::Warning,
+                                                    .buttons = PromptButtons::YesNo,
+                                                    .proposed = PromptAnswer::No}) != PromptAnswer::Yes)
+        return;
+    End(IDCANCEL);
 }
 
 void CDlgDFFCheck::SaveText()

@@ -69,6 +69,7 @@ private:
     void OnLabelEdited(const LVITEMW& item);
     void ApplyLabel();
     void Rename(int row, const std::wstring& name);
+    void OnClose();
     void SaveAs();
     void SaveText();
     std::wstring String(UINT id) const { return m_oParts.resources.Text(id); }
@@ -92,4 +93,5 @@ private:
     CSectionTreeView m_oTree;
     CNameField m_oNameField;
     std::optional<NewLabel> m_oNewLabel;
+    bool m_bHasUnsavedNames = false;
 };

@@ -37,9 +37,13 @@ protected:
     /// Opens the dialog without waiting for its end; false when it closed at once.
     bool Open(const std::filesystem::path& file, const CTextureDatabase* database)
     {
+        return OpenWith(m_oPrompt, file, database);
+    }
+    bool OpenWith(IPrompt& prompt, const std::filesystem::path& file, const CTextureDatabase* database)
+    {
         m_pDialog.reset();
         m_pDialog = std::make_unique<CDlgDFFCheck>(
-            DFFCheckParts{m_oResources, m_oPrompt, m_oDialogs, m_oFailures, m_oFiles}, file, database);
+            DFFCheckParts{m_oResources, prompt, m_oDialogs, m_oFailures, m_oFiles}, file, database);
         if (!m_pDialog->Create(m_oResources.Current(), nullptr) || !m_pDialog->Exists())
             return false;
         m_pDialog->Show(true);
@@ -241,6 +245,35 @@ TEST_F(CDFFCheckDialog, LeavesEverythingAsItIsWhenTheNameIsTheSameOrTheEditIsGiv
     ASSERT_NE(saved, nullptr);
     ASSERT_EQ(saved->size(), whole.size() + 12);
     EXPECT_TRUE(std::equal(whole.begin(), whole.end(), saved->begin()));
+}
+
+TEST_F(CDFFCheckDialog, AsksBeforeItClosesWithUnsavedNames)
+{
+    CScriptedPrompt prompt({PromptAnswer::No, PromptAnswer::Yes});
+    m_oFiles.Put(kFile, House());
+    ASSERT_TRUE(OpenWith(prompt, kFile, nullptr));
+    Rename(0, L"gravel");
+    Press(IDCANCEL);
+    ASSERT_TRUE(m_pDialog->Exists());
+    ASSERT_THAT(prompt.Shown(), SizeIs(1));
+    EXPECT_EQ(prompt.Shown()[0].text, L"The new texture names have not been saved. Close anyway?");
+    EXPECT_EQ(prompt.Shown()[0].caption, L"Mavrel");
+    EXPECT_EQ(prompt.Shown()[0].icon, PromptIcon::Warning);
+    EXPECT_EQ(prompt.Shown()[0].proposed, PromptAnswer::No);
+    Press(IDCANCEL);
+    EXPECT_FALSE(m_pDialog->Exists());
+    EXPECT_TRUE(prompt.ScriptIsFinished());
+}
+
+TEST_F(CDFFCheckDialog, ClosesAtOnceWhenTheNamesAreSaved)
+{
+    ASSERT_TRUE(OpenModel(House()));
+    Rename(0, L"gravel");
+    m_oDialogs.file = "saved.dff";
+    Press(IDC_DFF_SAVE_AS);
+    Press(IDCANCEL);
+    EXPECT_FALSE(m_pDialog->Exists());
+    EXPECT_THAT(m_oPrompt.Shown(), IsEmpty());
 }
 
 TEST_F(CDFFCheckDialog, StartsARenameOnF2)
