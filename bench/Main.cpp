@@ -15,6 +15,10 @@
 //   convert              converting 1000 textures of 256 x 256 pixels from ETC1 to DXT with two threads,
 //                        against the calls of decoder and encoder alone on two threads, normal quality
 //   convert-work         the same in processor time
+//   export-png           exporting 200 textures of 256 x 256 pixels from DXT to PNG with two threads, against
+//                        one thread that writes the decoded pictures by libpng with its default settings
+//   export-png-1         the same with one thread
+//   export-png-work      the first in processor time
 //   optimize-md5         making 1000 of 5000 textures aliases by their digests, against reading the .dat
 //                        once, hashing it once and writing the resulting files once
 //   optimize-md5-steps   the same made one by one; reckoned from 20 of them
@@ -59,6 +63,7 @@
 #include "bench/DeleteWorkload.h"
 #include "bench/DictionaryMemory.h"
 #include "bench/EncodeWorkloads.h"
+#include "bench/ExportWorkload.h"
 #include "bench/ImgWorkloads.h"
 #include "bench/ImportWorkload.h"
 #include "bench/OpenWorkloads.h"
@@ -129,6 +134,8 @@ int Run(const Options& options)
         Bench::MeasureImport(report);
     if (Concerns("convert", options.only))
         Bench::MeasureConverting(report);
+    if (Concerns("export-png", options.only))
+        Bench::MeasureExporting(report);
     if (Concerns("optimize-", options.only))
         Bench::MeasureOptimizing(options.only, report);
     if (Concerns("decode-", options.only))

@@ -130,7 +130,8 @@ ExitCode RunExport(CSession& session, const CArguments& arguments)
     if (!isNamed && !arguments.Has(L"--all") && !arguments.Value(L"--category"))
         throw CUsageError(L"Name textures, or use --all or --category.");
     CTextureDatabase& database = session.OpenDatabase(arguments.Words()[0]);
-    const ExportRequest request = ReadExportRequest(database, arguments);
+    ExportRequest request = ReadExportRequest(database, arguments);
+    request.jobs = session.Options().jobs;
     const std::vector<std::uint32_t> entries = EntriesNamed(database, arguments);
     std::error_code error;
     std::filesystem::create_directories(ToPath(*folder), error);

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "image/BitmapTools.h"
+#include "image/PixelOrder.h"
 
 namespace {
 
@@ -31,14 +32,8 @@ std::vector<PixelSize> LevelSizes(PixelSize full, bool mips)
 
 std::vector<std::byte> RgbaPixels(const CBitmap& picture, bool hasAlpha)
 {
-    const std::span<const std::uint8_t> source = picture.Pixels();
-    std::vector<std::byte> pixels(source.size());
-    for (std::size_t at = 0; at + kPixelBytes <= source.size(); at += kPixelBytes) {
-        pixels[at] = std::byte{source[at + 2]};
-        pixels[at + 1] = std::byte{source[at + 1]};
-        pixels[at + 2] = std::byte{source[at]};
-        pixels[at + 3] = hasAlpha ? std::byte{source[at + 3]} : std::byte{0xFF};
-    }
+    std::vector<std::byte> pixels(picture.Pixels().size());
+    SwapBlueAndRed(std::as_bytes(picture.Pixels()), pixels, hasAlpha ? AlphaBytes::Kept : AlphaBytes::Opaque);
     return pixels;
 }
 
@@ -54,15 +49,17 @@ std::vector<std::byte> ScaledRgbaPixels(const CBitmap& picture, PixelSize size, 
 
 void AppendPacked16(std::span<const std::byte> rgba, bool hasAlpha, std::vector<std::byte>& out)
 {
-    out.reserve(out.size() + rgba.size() / 2);
-    for (std::size_t at = 0; at + kPixelBytes <= rgba.size(); at += kPixelBytes) {
+    const std::size_t start = out.size();
+    out.resize(start + rgba.size() / 2);
+    std::byte* to = out.data() + start;
+    for (std::size_t at = 0; at + kPixelBytes <= rgba.size(); at += kPixelBytes, to += 2) {
         const auto red = std::to_integer<std::uint32_t>(rgba[at]);
         const auto green = std::to_integer<std::uint32_t>(rgba[at + 1]);
         const auto blue = std::to_integer<std::uint32_t>(rgba[at + 2]);
         const auto alpha = std::to_integer<std::uint32_t>(rgba[at + 3]);
         const std::uint32_t packed =
             hasAlpha ? Packed4444(red, green, blue, alpha) : Packed565(red, green, blue);
-        out.push_back(static_cast<std::byte>(packed));
-        out.push_back(static_cast<std::byte>(packed >> 8));
+        to[0] = static_cast<std::byte>(packed);
+        to[1] = static_cast<std::byte>(packed >> 8);
     }
 }

@@ -228,19 +228,19 @@ Output Decode(std::vector<std::byte>& raster, const RasterHeader& header, std::u
     return output;
 }
 
-DecodedTexture DecodeStored(std::vector<std::byte> raster, const RasterHeader& header, std::uint32_t levels,
-                            RasterFormatCode layoutOf, const CPluginTable& plugins)
+DecodedTexture DecodeStored(StoredTexture texture, std::uint32_t levels, const CPluginTable& plugins)
 {
+    const RasterHeader& header = texture.header;
     const Code code = FormatFromGl(header.glFormat);
     DecodedTexture decoded;
     decoded.width = header.width;
     decoded.height = header.Height();
     decoded.bitsPerPixel = BitsPerPixelOf(code);
-    decoded.layout = LayoutOf(layoutOf);
+    decoded.layout = LayoutOf(texture.layoutOf);
     if (IsHandedOnAsStored(code, plugins.Decompress(CacheIndex::Unc) != nullptr)) {
-        decoded.pixels = std::move(raster);
+        decoded.pixels = std::move(texture.raster);
     } else {
-        Output output = Decode(raster, header, levels, plugins);
+        Output output = Decode(texture.raster, header, levels, plugins);
         decoded.pixels = std::move(output.pixels);
         decoded.isWritten = output.isWritten;
     }
@@ -249,8 +249,8 @@ DecodedTexture DecodeStored(std::vector<std::byte> raster, const RasterHeader& h
 
 }  // namespace
 
-std::optional<DecodedTexture> DecodeTexture(CTextureDatabase& database, const CPluginTable& plugins,
-                                            std::uint32_t index, CacheIndex cache, RecordKind kind)
+std::optional<StoredTexture> ReadStoredTexture(CTextureDatabase& database, std::uint32_t index,
+                                               CacheIndex cache, RecordKind kind)
 {
     const bool isThumbnail = kind == RecordKind::Thumbnail;
     if (isThumbnail ? !database.HasThumbnailFile(cache) : !database.IsOpen(cache))
@@ -261,16 +261,31 @@ std::optional<DecodedTexture> DecodeTexture(CTextureDatabase& database, const CP
         return std::nullopt;
 
     const RasterHeader& rasterHeader = entry.rasterHeader[SlotOf(cache)];
-    const RasterHeader& header = isThumbnail ? entry.thumbHeader[SlotOf(cache)] : rasterHeader;
     // Deliberate: the layout of a thumbnail, too, is that of the entry's raster.
-    return DecodeStored(std::move(*raster), header, isThumbnail ? 1 : LevelCount(header),
-                        FormatFromGl(rasterHeader.glFormat), plugins);
+    return StoredTexture{.raster = std::move(*raster),
+                         .header = isThumbnail ? entry.thumbHeader[SlotOf(cache)] : rasterHeader,
+                         .layoutOf = FormatFromGl(rasterHeader.glFormat)};
+}
+
+std::optional<DecodedTexture> DecodeTexture(CTextureDatabase& database, const CPluginTable& plugins,
+                                            std::uint32_t index, CacheIndex cache, RecordKind kind)
+{
+    auto stored = ReadStoredTexture(database, index, cache, kind);
+    if (!stored)
+        return std::nullopt;
+    const std::uint32_t levels = kind == RecordKind::Thumbnail ? 1 : LevelCount(stored->header);
+    return DecodeStored(std::move(*stored), levels, plugins);
+}
+
+DecodedTexture DecodeFirstLevel(StoredTexture texture, const CPluginTable& plugins)
+{
+    return DecodeStored(std::move(texture), 1, plugins);
 }
 
 DecodedTexture DecodeFirstLevel(std::vector<std::byte> raster, const RasterHeader& header,
                                 const CPluginTable& plugins)
 {
-    return DecodeStored(std::move(raster), header, 1, FormatFromGl(header.glFormat), plugins);
+    return DecodeStored({std::move(raster), header, FormatFromGl(header.glFormat)}, 1, plugins);
 }
 
 std::optional<CBitmap> ToBitmap(const DecodedTexture& texture)

@@ -19,6 +19,18 @@ struct DecodedTexture {
     bool isWritten = true;
 };
 
+/// A raster as it is stored, with what decoding it needs.
+struct StoredTexture {
+    std::vector<std::byte> raster;
+    RasterHeader header;
+    /// Whose layout the pixels have.
+    RasterFormatCode layoutOf = RasterFormatCode::Unknown;
+};
+
+/// Nothing when the cache's file is not open. Throws CError (not shown) when the raster cannot be read.
+std::optional<StoredTexture> ReadStoredTexture(CTextureDatabase& database, std::uint32_t index,
+                                               CacheIndex cache, RecordKind kind);
+
 /// Nothing when the cache's file is not open. Throws CError (not shown) when the raster cannot be read or its
 /// plugin is missing.
 std::optional<DecodedTexture> DecodeTexture(CTextureDatabase& database, const CPluginTable& plugins,
@@ -26,6 +38,7 @@ std::optional<DecodedTexture> DecodeTexture(CTextureDatabase& database, const CP
 
 /// The part of DecodeTexture that needs nothing but the stored raster, for any thread, and for those who want
 /// no more than the largest level. Throws CError (not shown) when the plugin is missing.
+DecodedTexture DecodeFirstLevel(StoredTexture texture, const CPluginTable& plugins);
 DecodedTexture DecodeFirstLevel(std::vector<std::byte> raster, const RasterHeader& header,
                                 const CPluginTable& plugins);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace {
 
@@ -23,10 +24,14 @@ std::size_t FreeMarker(std::span<const std::byte> raster, std::size_t unit)
 // Whole units equal to the one at `at`, itself included.
 std::size_t RunLengthAt(std::span<const std::byte> raster, std::size_t at, std::size_t unit)
 {
-    const auto first = raster.subspan(at, unit);
+    const std::byte* const first = raster.data() + at;
+    // Most units differ in their first byte already.
+    const auto isRepeatedAt = [&](std::size_t next) {
+        return next + unit <= raster.size() && raster[next] == *first &&
+               std::memcmp(raster.data() + next, first, unit) == 0;
+    };
     std::size_t run = 1;
-    while (run < kLongestRun && at + (run + 1) * unit <= raster.size() &&
-           std::ranges::equal(first, raster.subspan(at + run * unit, unit)))
+    for (std::size_t next = at + unit; run < kLongestRun && isRepeatedAt(next); next += unit)
         ++run;
     return run;
 }
@@ -41,22 +46,28 @@ std::optional<std::vector<std::byte>> RleEncode(std::span<const std::byte> raste
         return std::nullopt;
     const std::size_t capacity = raster.size() + kMarkerWord;
     std::vector<std::byte> frame = {static_cast<std::byte>(marker), std::byte{0}, std::byte{0}, std::byte{0}};
+    frame.reserve(capacity);
+    const auto append = [&](std::size_t from, std::size_t to) {
+        frame.insert(frame.end(), raster.begin() + static_cast<std::ptrdiff_t>(from),
+                     raster.begin() + static_cast<std::ptrdiff_t>(to));
+    };
     bool anyRun = false;
-    std::size_t at = 0;
-    while (at < raster.size() && frame.size() < capacity) {
-        // The last unit may be a part of one; it stands for itself.
-        const std::size_t length = std::min(unit, raster.size() - at);
-        const std::size_t run = length == unit ? RunLengthAt(raster, at, unit) : 1;
+    std::size_t plain = 0;  // where the units begin that stand for themselves and are not in the frame yet
+    // The last unit may be a part of one; it stands for itself.
+    for (std::size_t at = 0; at + unit <= raster.size();) {
+        const std::size_t run = RunLengthAt(raster, at, unit);
         if (run > 1) {
+            append(plain, at);
             frame.push_back(static_cast<std::byte>(marker));
             frame.push_back(static_cast<std::byte>(run));
+            append(at, at + unit);
+            plain = at + run * unit;
             anyRun = true;
         }
-        const auto first = raster.begin() + static_cast<std::ptrdiff_t>(at);
-        frame.insert(frame.end(), first, first + static_cast<std::ptrdiff_t>(length));
-        at += run * length;
+        at += run * unit;
     }
-    if (!anyRun || at < raster.size() || frame.size() >= capacity)
+    append(plain, raster.size());
+    if (!anyRun || frame.size() >= capacity)
         return std::nullopt;
     return frame;
 }

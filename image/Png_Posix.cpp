@@ -10,8 +10,6 @@
 
 namespace {
 
-/// A third of the time of the default level for files of nearly the same size, measured on photographs.
-constexpr int kCompressionLevel = 3;
 /// Larger ancillary chunks (profiles, texts) than any picture has.
 constexpr png_alloc_size_t kLargestChunk = 8U << 20;
 constexpr png_uint_32 kLargestSide = 16384;
@@ -91,52 +89,6 @@ private:
     int m_nPasses = 1;
 };
 
-class CPngWriter {
-public:
-    CPngWriter() : m_pPng(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning))
-    {
-        if (m_pPng)
-            m_pInfo = png_create_info_struct(m_pPng);
-    }
-    ~CPngWriter() { png_destroy_write_struct(&m_pPng, &m_pInfo); }
-    CPngWriter(const CPngWriter&) = delete;
-    CPngWriter& operator=(const CPngWriter&) = delete;
-
-    bool IsReady() const { return m_pInfo != nullptr; }
-    std::vector<std::byte> Take() { return std::move(m_aOut); }
-
-    bool Write(const CBitmap& bitmap)
-    {
-        const std::uint8_t* const pixels = bitmap.Pixels().data();
-        const std::size_t stride = std::size_t{bitmap.Width()} * 4;
-        const std::size_t height = bitmap.Height();
-        if (setjmp(png_jmpbuf(m_pPng)))
-            return false;
-        png_set_write_fn(m_pPng, this, WriteBytes, nullptr);
-        png_set_compression_level(m_pPng, kCompressionLevel);
-        png_set_IHDR(m_pPng, m_pInfo, bitmap.Width(), bitmap.Height(), 8, PNG_COLOR_TYPE_RGB_ALPHA,
-                     PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-        png_write_info(m_pPng, m_pInfo);
-        png_set_bgr(m_pPng);
-        for (std::size_t y = 0; y < height; ++y)
-            png_write_row(m_pPng, pixels + y * stride);
-        png_write_end(m_pPng, m_pInfo);
-        return true;
-    }
-
-private:
-    static void WriteBytes(png_structp png, png_bytep bytes, std::size_t count)
-    {
-        auto* const writer = static_cast<CPngWriter*>(png_get_io_ptr(png));
-        const auto* const first = reinterpret_cast<const std::byte*>(bytes);
-        writer->m_aOut.insert(writer->m_aOut.end(), first, first + count);
-    }
-
-    png_structp m_pPng;
-    png_infop m_pInfo = nullptr;
-    std::vector<std::byte> m_aOut;
-};
-
 }  // namespace
 
 std::optional<CBitmap> DecodePng(std::span<const std::byte> bytes)
@@ -148,12 +100,4 @@ std::optional<CBitmap> DecodePng(std::span<const std::byte> bytes)
     if (!bitmap || !reader.ReadPixels(*bitmap))
         return std::nullopt;
     return bitmap;
-}
-
-std::optional<std::vector<std::byte>> EncodePng(const CBitmap& bitmap)
-{
-    CPngWriter writer;
-    if (!writer.IsReady() || !writer.Write(bitmap))
-        return std::nullopt;
-    return writer.Take();
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "image/PixelOrder.h"
+
 namespace {
 
 constexpr std::uint32_t kLargestSide = 65535;
@@ -142,10 +144,11 @@ void Convert24(std::span<const std::byte> in, std::span<std::uint8_t> out, bool 
 
 void Convert32(std::span<const std::byte> in, std::span<std::uint8_t> out, bool swapRB)
 {
+    const auto bytes = std::as_writable_bytes(out);
     if (swapRB)
-        ConvertPixels<4>(in, out, [](const std::uint8_t* s) { return Pixel{s[2], s[1], s[0], s[3]}; });
+        SwapBlueAndRed(in, bytes);
     else
-        ConvertPixels<4>(in, out, [](const std::uint8_t* s) { return Pixel{s[0], s[1], s[2], s[3]}; });
+        std::copy(in.begin(), in.end(), bytes.begin());
 }
 
 void Convert(std::span<const std::byte> in, std::span<std::uint8_t> out, const RasterLayout& layout,

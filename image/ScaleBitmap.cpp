@@ -154,9 +154,8 @@ std::uint32_t LoadPixel(const std::uint8_t* bytes)
     return pixel;
 }
 
-/// The step of every mip chain, much faster than the general way and with the same result: two channels share
-/// a word, each with 16 bits for its sum. Which channels these are depends on the byte order, the result does
-/// not.
+/// Much faster than the ways below and with the same result: two channels share a word, each with 16 bits for
+/// its sum. Which channels these are depends on the byte order, the result does not.
 void HalveBitmap(const CBitmap& source, CBitmap& target)
 {
     constexpr std::uint32_t kEveryOther = 0x00FF00FF;
@@ -179,6 +178,66 @@ void HalveBitmap(const CBitmap& source, CBitmap& target)
     }
 }
 
+/// The sums of these fit 32 bits, also when they are rounded.
+constexpr std::uint64_t kMostPixelsInABox = 1U << 24;
+/// The sums of so many rows fit 16 bits.
+constexpr std::uint32_t kMostRowsInNarrowSums = 257;
+
+/// Divides the sums of boxes by the number of their pixels, rounded to nearest, without a division.
+class CDivider {
+public:
+    explicit CDivider(std::uint32_t count) : m_nHalf(count / 2), m_nInverse((kOne / count) + 1) {}
+
+    /// Of up to 255 a pixel. The inverse is too large by at most 1, the quotient by at most sum / kOne, which
+    /// is less than 1 / count and so never reaches the next whole number.
+    std::uint8_t Mean(std::uint32_t sum) const
+    {
+        return static_cast<std::uint8_t>((std::uint64_t{sum} + m_nHalf) * m_nInverse >> kBits);
+    }
+
+private:
+    static constexpr unsigned kBits = 56;
+    static constexpr std::uint64_t kOne = std::uint64_t{1} << kBits;
+
+    std::uint32_t m_nHalf;
+    std::uint64_t m_nInverse;
+};
+
+/// Whether every target pixel covers a box of whole source pixels, all of one size.
+bool CoversBoxes(const CBitmap& source, std::uint32_t width, std::uint32_t height)
+{
+    return source.Width() % width == 0 && source.Height() % height == 0 &&
+           std::uint64_t{source.Width() / width} * (source.Height() / height) <= kMostPixelsInABox;
+}
+
+/// Much faster than the general way and with the same result. `Sum` holds the sum of a box's rows.
+template <class Sum>
+void AverageBoxes(const CBitmap& source, CBitmap& target)
+{
+    const std::uint32_t rows = source.Height() / target.Height();
+    const std::uint32_t columns = source.Width() / target.Width();
+    const CDivider divide(rows * columns);
+    std::vector<Sum> sums(std::size_t{source.Width()} * 4);
+    std::uint8_t* out = target.Pixels().data();
+    for (std::uint32_t y = 0; y < target.Height(); ++y) {
+        std::fill(sums.begin(), sums.end(), Sum{0});
+        for (std::uint32_t row = y * rows; row < (y + 1) * rows; ++row) {
+            const std::uint8_t* const bytes = source.Row(row).data();
+            for (std::size_t i = 0; i < sums.size(); ++i)
+                sums[i] = static_cast<Sum>(sums[i] + bytes[i]);
+        }
+        const Sum* sum = sums.data();
+        for (std::uint32_t x = 0; x < target.Width(); ++x, out += 4) {
+            std::array<std::uint32_t, 4> box{};
+            for (std::uint32_t column = 0; column < columns; ++column, sum += 4)
+                for (std::size_t channel = 0; channel < 4; ++channel)
+                    box[channel] += sum[channel];
+            for (std::size_t channel = 0; channel < 4; ++channel)
+                out[channel] = divide.Mean(box[channel]);
+        }
+    }
+}
+
 }  // namespace
 
 std::optional<CBitmap> ScaleBitmap(const CBitmap& source, std::uint32_t width, std::uint32_t height)
@@ -195,7 +254,12 @@ std::optional<CBitmap> ScaleBitmap(const CBitmap& source, std::uint32_t width, s
     try {
         if (source.Width() == width && source.Height() == height)
             return source;
-        CScaler(source, *target).Run();
+        if (!CoversBoxes(source, width, height))
+            CScaler(source, *target).Run();
+        else if (source.Height() / height <= kMostRowsInNarrowSums)
+            AverageBoxes<std::uint16_t>(source, *target);
+        else
+            AverageBoxes<std::uint32_t>(source, *target);
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }

@@ -160,9 +160,13 @@ std::wstring CImgArchive::EntryName(std::uint32_t index) const
 bool CImgArchive::HasExtension(std::uint32_t index, std::string_view extension) const
 {
     const std::string_view name = RawName(index);
-    const std::string_view own = name.substr(name.rfind('.') + 1);
-    return std::equal(own.begin(), own.end(), extension.begin(), extension.end(),
-                      [](char ours, char theirs) { return LowerAscii(ours) == theirs; });
+    if (name.size() < extension.size())
+        return false;
+    const std::string_view base = name.substr(0, name.size() - extension.size());
+    return (base.empty() || base.back() == '.') &&
+           std::equal(extension.begin(), extension.end(),
+                      name.begin() + static_cast<std::ptrdiff_t>(base.size()),
+                      [](char theirs, char ours) { return LowerAscii(ours) == theirs; });
 }
 
 bool CImgArchive::IsReachable(std::uint32_t index) const

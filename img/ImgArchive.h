@@ -48,7 +48,7 @@ public:
     std::uint64_t EntryOffset(std::uint32_t index) const;
     std::wstring EntryName(std::uint32_t index) const;
     /// Whether the part of the name behind its last dot (all of it without one) is `extension`, given in
-    /// lower case; A-Z match a-z.
+    /// lower case and without a dot; A-Z match a-z.
     bool HasExtension(std::uint32_t index, std::string_view extension) const;
     /// False for an entry that ends at 4 GiB or beyond, and for one that does not exist.
     bool IsReachable(std::uint32_t index) const;

@@ -17,6 +17,8 @@ struct ExportRequest {
     RecordKind kind = RecordKind::Raster;
     ImageFormat format = ImageFormat::Png;
     std::wstring extension = L"png";
+    /// Threads that decode and encode when there are many; 0: one for every core.
+    unsigned jobs = 0;
 };
 
 struct ExportCounts {
@@ -48,7 +50,8 @@ void ExportTexture(CTextureDatabase& database, const CPluginTable& plugins, std:
                    const ExportRequest& request, const std::filesystem::path& file);
 
 /// Each entry to folder + "/" + name + "." + extension; equal names get "_2", "_3", … A failed texture does
-/// not stop the run.
+/// not stop the run. The database and the progress are used on the caller's thread, in the order of the
+/// entries; the files are the same with any number of threads.
 ExportCounts ExportTextures(CTextureDatabase& database, const CPluginTable& plugins,
                             const std::vector<std::uint32_t>& entries, const ExportRequest& request,
                             const std::filesystem::path& folder, IProgress& progress);

@@ -79,6 +79,30 @@ TEST_F(ImportExport, TheNumberOfJobsChangesNoFile)
     EXPECT_EQ(results[2], results[0]);
 }
 
+TEST_F(ImportExport, TheNumberOfJobsChangesNoExportedFile)
+{
+    for (int i = 0; i < 6; ++i) {
+        CBitmap picture = Gradient(32, 32);
+        picture.Pixels()[static_cast<std::size_t>(i) * 4] ^= 0xFF;
+        SavePicture(m_oFolder / ("p" + std::to_string(i) + ".png"), picture);
+    }
+    ASSERT_EQ(RunCommand({L"--game", L"sa", L"import", List(), Path("p0.png"), Path("p1.png"), Path("p2.png"),
+                          Path("p3.png"), Path("p4.png"), Path("p5.png")})
+                  .code,
+              ExitCode::Done);
+    std::vector<FileBytes> results;
+    for (const wchar_t* jobs : {L"1", L"2", L"7"}) {
+        const std::string name = "out" + std::to_string(results.size());
+        const auto exported = RunCommand(
+            {L"--jobs", jobs, L"export", List(), L"--all", L"--cache", L"dxt", L"--out", Path(name.c_str())});
+        ASSERT_EQ(exported.code, ExitCode::Done) << exported.err;
+        EXPECT_EQ(exported.out, "6 exported, 0 skipped, 0 failed\n");
+        results.push_back(FilesOf(m_oFolder / name));
+        EXPECT_EQ(results.back().size(), 6U);
+        EXPECT_TRUE(results.back() == results.front()) << name;
+    }
+}
+
 TEST_F(ImportExport, TheSamePictureAgainBecomesAnAlias)
 {
     std::filesystem::copy_file(m_oFolder / "wall.png", m_oFolder / "copy.png");

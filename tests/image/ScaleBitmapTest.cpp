@@ -44,6 +44,24 @@ TEST(ScaleBitmap, SharesPixelsThatLieUnderTwo)
     EXPECT_THAT(Scale(5, {10, 20, 30, 40, 50}, 3, 1), ElementsAre(14, 30, 46));
 }
 
+TEST(ScaleBitmap, AveragesBoxesOfWholePixelsExactly)
+{
+    EXPECT_THAT(Scale(3, {1, 2, 3, 4, 5, 6, 7, 8, 9}, 1, 1), ElementsAre(5));
+    EXPECT_THAT(Scale(3, {0, 0, 0, 0, 1, 0, 0, 0, 3}, 1, 1), ElementsAre(0));              // 4 / 9
+    EXPECT_THAT(Scale(3, {0, 0, 0, 0, 1, 0, 0, 0, 4}, 1, 1), ElementsAre(1));              // 5 / 9
+    EXPECT_THAT(Scale(6, {0, 0, 1, 9, 9, 8, 0, 0, 2, 9, 9, 9}, 2, 1), ElementsAre(1, 9));  // 0.5, 8.83
+    EXPECT_THAT(Scale(2, {1, 3, 3, 4, 5, 5, 0, 0, 0, 0, 1, 2}, 2, 2), ElementsAre(3, 4, 0, 1));
+}
+
+TEST(ScaleBitmap, AveragesTheTallestBoxes)
+{
+    // Sums of more rows than this take another way.
+    for (const std::uint32_t height : {257U, 258U, 65535U}) {
+        const std::vector<std::uint32_t> white(height, 0xFFFFFFFF);
+        EXPECT_THAT(PixelsOf(ScaleBitmap(MakePicture(1, white), 1, 1).value()), ElementsAre(0xFFFFFFFF));
+    }
+}
+
 TEST(ScaleBitmap, InterpolatesWhenItEnlarges)
 {
     EXPECT_THAT(Scale(2, {0, 100}, 4, 1), ElementsAre(0, 25, 75, 100));
