@@ -35,8 +35,9 @@ Codec Etc1Codec()
             .levelBytes = [](Size size) { return Blocks(size) * 8; },
             .encode =
                 [](const std::uint8_t* pixels, std::uint8_t* level, Size size, Plugin::Quality quality,
-                   unsigned /*threads*/) {
-                    return Etc1::Compress(pixels, level, size.width, size.height, {.quality = quality});
+                   unsigned threads) {
+                    return Etc1::Compress(pixels, level, size.width, size.height,
+                                          {.quality = quality, .threads = threads});
                 },
             .decode = [](const std::uint8_t* level, std::uint8_t* pixels,
                          Size size) { return Etc1::Decompress(level, pixels, size.width, size.height); }};

@@ -1,5 +1,7 @@
 #include "codec/CodecPlugin.h"
 
+#include <string_view>
+
 #include "base/Text.h"
 
 namespace {
@@ -91,6 +93,14 @@ std::vector<std::wstring> CodecPlugin::QualityNames() const
 std::vector<std::wstring> CodecPlugin::DitheringNames() const
 {
     return TextList(library, MavrelDitheringNames);
+}
+
+bool CodecPlugin::TakesDitheringModes() const
+{
+    const char16_t* const text = Information(library, MavrelDitheringBits);
+    // The very words: a plugin that does not know the number may have some text for it all the same.
+    constexpr std::u16string_view kYes = MAVREL_DITHERING_BITS;
+    return text != nullptr && std::u16string_view(text, TextLength(text)) == kYes;
 }
 
 MavrelCompressFn CodecPlugin::Compress(CacheIndex cache) const

@@ -27,6 +27,8 @@ struct CodecPlugin {
     /// At most five names each; empty when the plugin lists none.
     std::vector<std::wstring> QualityNames() const;
     std::vector<std::wstring> DitheringNames() const;
+    /// Its compress functions take the chosen dithering mode from the flag word.
+    bool TakesDitheringModes() const;
     /// True when it exports both entry points of the cache.
     bool Supports(CacheIndex cache) const;
     /// Null when the plugin lacks the entry point.

@@ -29,11 +29,25 @@ bool IsSideAllowed(std::uint32_t side, std::optional<CacheIndex> forcedEncoder)
     return side != 0 && (std::has_single_bit(side) || isMultiple);
 }
 
+// Every plugin is told that there is dithering; one that asked for it, also which of several modes. The first
+// of them needs no number.
+std::uint32_t DitheringFlags(int mode, DitheringChoice choice)
+{
+    constexpr int kFirstNumbered = 2;
+    constexpr int kMostModes = 16;
+    if (mode == 0)
+        return 0;
+    if (choice == DitheringChoice::OnOff || mode < kFirstNumbered || mode >= kMostModes)
+        return MavrelDithering;
+    return MavrelDithering | static_cast<std::uint32_t>(mode) << MAVREL_DITHERING_SHIFT;
+}
+
 EncoderChoice ReadEncoder(CacheIndex encoder, const CPluginTable& plugins, const ISettings& settings)
 {
     return {.compress = plugins.Compress(encoder),
             .quality = static_cast<std::uint32_t>(settings.ReadInt(CacheName(encoder), L"quality", 0)),
-            .hasDithering = settings.IsOn(CacheName(encoder), L"dithering", false),
+            .ditheringFlags = DitheringFlags(settings.ReadInt(CacheName(encoder), L"dithering", 0),
+                                             plugins.Dithering(encoder)),
             .oneAtATime = plugins.OneAtATime(encoder)};
 }
 

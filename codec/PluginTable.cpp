@@ -52,8 +52,10 @@ void CPluginTable::BindFromSettings(ISettings& settings)
 void CPluginTable::Bind(CacheIndex cache, std::size_t plugin)
 {
     const CodecPlugin& chosen = m_aPlugins.at(plugin);
-    m_aBound[SlotOf(cache)] = {chosen.Compress(cache), chosen.Decompress(cache), plugin,
-                               chosen.threadSafe ? nullptr : chosen.callMutex.get()};
+    m_aBound[SlotOf(cache)] = {
+        chosen.Compress(cache), chosen.Decompress(cache), plugin,
+        chosen.threadSafe ? nullptr : chosen.callMutex.get(),
+        chosen.TakesDitheringModes() ? DitheringChoice::Modes : DitheringChoice::OnOff};
 }
 
 void CPluginTable::Unbind(CacheIndex cache)
@@ -62,13 +64,13 @@ void CPluginTable::Unbind(CacheIndex cache)
 }
 
 void CPluginTable::BindFunctions(CacheIndex cache, MavrelCompressFn compress, MavrelDecompressFn decompress,
-                                 CodecThreading threading)
+                                 CodecThreading threading, DitheringChoice dithering)
 {
     auto& own = m_aOwnMutexes[SlotOf(cache)];
     if (threading == CodecThreading::OneAtATime && !own)
         own = std::make_unique<std::mutex>();
     m_aBound[SlotOf(cache)] = {compress, decompress, std::nullopt,
-                               threading == CodecThreading::OneAtATime ? own.get() : nullptr};
+                               threading == CodecThreading::OneAtATime ? own.get() : nullptr, dithering};
 }
 
 std::unique_lock<std::mutex> LockCodec(std::mutex* oneAtATime)

@@ -22,6 +22,9 @@
 /// Whether entry points may run on several threads at once.
 enum class CodecThreading { OneAtATime, Free };
 
+/// Whether a compress function is told which dithering mode is chosen, or only that one is.
+enum class DitheringChoice { OnOff, Modes };
+
 class CPluginTable {
 public:
     static constexpr std::size_t kMostPlugins = 8;
@@ -42,7 +45,10 @@ public:
     std::optional<std::size_t> BoundPlugin(CacheIndex cache) const { return m_aBound[SlotOf(cache)].plugin; }
     /// For entry points that live in the program itself, as in tests and benchmarks.
     void BindFunctions(CacheIndex cache, MavrelCompressFn compress, MavrelDecompressFn decompress,
-                       CodecThreading threading = CodecThreading::OneAtATime);
+                       CodecThreading threading = CodecThreading::OneAtATime,
+                       DitheringChoice dithering = DitheringChoice::OnOff);
+    /// What the compress function bound to this cache is told of the dithering.
+    DitheringChoice Dithering(CacheIndex cache) const { return m_aBound[SlotOf(cache)].dithering; }
     /// What every call of the entry points bound to this cache must hold, see LockCodec; null when they need
     /// nothing. Valid as long as the table and the binding.
     std::mutex* OneAtATime(CacheIndex cache) const { return m_aBound[SlotOf(cache)].oneAtATime; }
@@ -53,6 +59,7 @@ private:
         MavrelDecompressFn decompress = nullptr;
         std::optional<std::size_t> plugin;
         std::mutex* oneAtATime = nullptr;
+        DitheringChoice dithering = DitheringChoice::OnOff;
     };
 
     std::vector<CodecPlugin> m_aPlugins;

@@ -8,6 +8,7 @@
 #include "codec/CodecMessages.h"
 #include "codec/PluginTable.h"
 #include "database/RunLength.h"
+#include "image/HalvedLevels.h"
 
 namespace {
 
@@ -97,11 +98,9 @@ RasterHeader HeaderFor(StoredForm form, PixelSize full, const RecordPlan& plan)
 std::uint32_t CompressFlags(CacheIndex encoder, const RecordPlan& plan)
 {
     const EncoderChoice& choice = plan.encoders[SlotOf(encoder)];
-    std::uint32_t flags = choice.quality & kQualityMask;
+    std::uint32_t flags = (choice.quality & kQualityMask) | choice.ditheringFlags;
     if (plan.hasAlpha)
         flags |= MavrelAlpha;
-    if (choice.hasDithering)
-        flags |= MavrelDithering;
     if (encoder == CacheIndex::Dxt)
         flags |= plan.hasAlpha ? MavrelInterpolatedAlpha : MavrelDxt1;
     return flags;
@@ -175,11 +174,12 @@ public:
 
     void WriteLevels(std::span<const std::byte> fullPixels)
     {
+        CHalvedLevels smaller(fullPixels, m_oFull.width, m_oFull.height);
         for (const PixelSize size : LevelSizes(m_oFull, m_rPlan.hasMips)) {
             if (size == m_oFull)
                 WriteLevel(fullPixels, size);
             else
-                WriteLevel(ScaledRgbaPixels(m_rPicture, size, m_rPlan.hasAlpha), size);
+                WriteLevel(smaller.Next(), size);
         }
     }
 

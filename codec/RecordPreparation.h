@@ -21,7 +21,8 @@
 struct EncoderChoice {
     MavrelCompressFn compress = nullptr;
     std::uint32_t quality = 0;
-    bool hasDithering = false;
+    /// What the flag word says of the dithering.
+    std::uint32_t ditheringFlags = 0;
     /// Held around every call, see LockCodec. Borrowed.
     std::mutex* oneAtATime = nullptr;
 
@@ -32,6 +33,7 @@ struct RecordPlan {
     std::uint16_t nameHash16 = 0;
     bool hasAlpha = false;
     bool storeRgba8888 = false;
+    /// Only for pictures whose sides are powers of two.
     bool hasMips = false;
     bool allowRunLength = false;
     StreamMode mode = StreamMode::Raw;

@@ -37,12 +37,17 @@ extern "C" {
 
 /* The flag word of both calls. */
 enum MavrelCodecFlags {
-    MavrelQualityMask = 15,       /* compress only: index into the list of quality levels */
-    MavrelDithering = 16,         /* compress only: a dithering mode other than the first is chosen */
-    MavrelAlpha = 32,             /* the raster has an alpha channel */
-    MavrelDxt1 = 64,              /* DXT only: the DXT1 family, without full alpha */
-    MavrelInterpolatedAlpha = 256 /* DXT only: DXT5 */
+    MavrelQualityMask = 15,        /* compress only: index into the list of quality levels */
+    MavrelDithering = 16,          /* compress only: a dithering mode other than the first is chosen */
+    MavrelAlpha = 32,              /* the raster has an alpha channel */
+    MavrelDxt1 = 64,               /* DXT only: the DXT1 family, without full alpha */
+    MavrelInterpolatedAlpha = 256, /* DXT only: DXT5 */
+    /* Compress only, and only for a plugin that asks for them by MavrelDitheringBits: the index of the chosen
+     * dithering mode when it is 2 or more. Otherwise these bits are 0. */
+    MavrelDitheringMask = 0xF000
 };
+/* How far the index of the dithering mode is shifted in the flag word. */
+#define MAVREL_DITHERING_SHIFT 12
 
 /* Encodes one level of width x height pixels.
  *   source       width * height * 4 bytes, R G B A, rows top to bottom
@@ -72,8 +77,12 @@ enum MavrelPluginInfo {
     MavrelDitheringNames = 2, /* names of the dithering modes, in the same form */
     MavrelDisplayName = 3,
     MavrelDescription = 4,
-    MavrelInstructionSet = 5 /* the vector instructions in use, for example "AVX2"; rarely of interest */
+    MavrelInstructionSet = 5, /* the vector instructions in use, for example "AVX2"; rarely of interest */
+    /* MAVREL_DITHERING_BITS from a plugin that has more than one dithering mode besides "none" and takes the
+     * chosen one from MavrelDitheringMask; anything else means that MavrelDithering is all it is told. */
+    MavrelDitheringBits = 6
 };
+#define MAVREL_DITHERING_BITS u"bits 12-15"
 
 typedef uint32_t (*MavrelGetDllBuildIdFn)(void);
 typedef uint32_t (*MavrelGetDllTypeFn)(void);

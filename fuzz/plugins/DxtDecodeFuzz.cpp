@@ -1,13 +1,16 @@
-// Decodes arbitrary blocks as every DXT variant and at every small size. Links codec_DXT.
+// Decodes arbitrary blocks as every DXT variant, at every small size and with every instruction set, which
+// must show the same. Links codec_DXT.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "plugins/dxt/Dxt.h"
 
-// Byte 0: variant in the low two bits. Bytes 1 and 2: width and height, 1 to 64. Then the blocks.
+// Byte 0: variant in the low two bits, instruction set in the two above. Bytes 1 and 2: width and height, 1
+// to 64. Then the blocks.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     constexpr std::size_t kHead = 3;
@@ -25,7 +28,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         blocks[i] = data[kHead + i];
     const std::size_t pixelBytes = std::size_t{width} * height * 4;
     const auto pixels = std::make_unique<std::uint8_t[]>(pixelBytes);
-    if (Dxt::Decompress(blocks.get(), pixels.get(), width, height, variant) != pixelBytes)
+    const Plugin::InstructionSet wanted = Plugin::kEveryInstructionSet[(data[0] >> 2 & 3) % 3];
+    const auto set = Plugin::IsSupported(wanted) ? wanted : Plugin::InstructionSet::Portable;
+    if (Dxt::Decompress(blocks.get(), pixels.get(), width, height, variant, set) != pixelBytes)
+        std::abort();
+    const auto portable = std::make_unique<std::uint8_t[]>(pixelBytes);
+    Dxt::Decompress(blocks.get(), portable.get(), width, height, variant, Plugin::InstructionSet::Portable);
+    if (std::memcmp(pixels.get(), portable.get(), pixelBytes) != 0)
         std::abort();
     return 0;
 }

@@ -1,13 +1,15 @@
-// Decodes arbitrary ETC1 blocks at every small size. Links codec_ETC1.
+// Decodes arbitrary ETC1 blocks at every small size, with two instruction sets that must agree. Links
+// codec_ETC1.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "plugins/etc1/Etc1.h"
 
-// Bytes 0 and 1: width and height, 1 to 64. Then the blocks.
+// Bytes 0 and 1: width and height, 1 to 64, and in bit 6 of byte 0 the instruction set. Then the blocks.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     constexpr std::size_t kHead = 2;
@@ -24,7 +26,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         blocks[i] = data[kHead + i];
     const std::size_t pixelBytes = std::size_t{width} * height * 4;
     const auto pixels = std::make_unique<std::uint8_t[]>(pixelBytes);
-    if (Etc1::Decompress(blocks.get(), pixels.get(), width, height) != pixelBytes)
+    if (Etc1::Decompress(blocks.get(), pixels.get(), width, height, Plugin::InstructionSet::Portable) !=
+        pixelBytes)
+        std::abort();
+    const Plugin::InstructionSet set = Plugin::kEveryInstructionSet[1 + data[0] / 64 % 2];
+    if (!Plugin::IsSupported(set))
+        return 0;
+    const auto again = std::make_unique<std::uint8_t[]>(pixelBytes);
+    if (Etc1::Decompress(blocks.get(), again.get(), width, height, set) != pixelBytes ||
+        std::memcmp(pixels.get(), again.get(), pixelBytes) != 0)
         std::abort();
     return 0;
 }

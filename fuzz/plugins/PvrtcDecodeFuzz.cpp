@@ -1,5 +1,6 @@
 // Decodes arbitrary words as a level of every size up to 128 x 128. The first byte chooses the sides, the
 // second the bits per pixel and the instruction set; the buffers are exactly as large as promised.
+// Every set must show the same.
 
 #include <algorithm>
 #include <cstddef>
@@ -21,6 +22,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::uint8_t> pixels(std::size_t{width} * height * 4);
     if (Pvrtc::PvrtcDecode(level.data(), pixels.data(), width, height, bitsPerPixel,
                            Plugin::kEveryInstructionSet[(data[1] >> 1 & 3) % 3]) != pixels.size())
+        std::abort();
+    std::vector<std::uint8_t> portable(pixels.size());
+    Pvrtc::PvrtcDecode(level.data(), portable.data(), width, height, bitsPerPixel,
+                       Plugin::InstructionSet::Portable);
+    if (pixels != portable)
         std::abort();
     return 0;
 }

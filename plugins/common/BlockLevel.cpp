@@ -2,31 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
 
 namespace Plugin {
 namespace {
 constexpr std::size_t kBlockStride = kBlockSide * kPixelBytes;
-
-// The strip of rows (at most four) that one row of blocks covers.
-struct Strip {
-    const std::uint8_t* pixels;
-    std::size_t width;
-    std::size_t rows;
-};
-
-void LoadBlock(const Strip& strip, std::size_t left, BlockPixels& block)
-{
-    const std::size_t columns = std::min(kBlockSide, strip.width - left);
-    for (std::size_t y = 0; y < kBlockSide; ++y) {
-        const std::size_t fromRow = std::min(y, strip.rows - 1);
-        const std::uint8_t* from = strip.pixels + (fromRow * strip.width + left) * kPixelBytes;
-        std::uint8_t* to = block.data() + y * kBlockStride;
-        std::memcpy(to, from, columns * kPixelBytes);
-        for (std::size_t x = columns; x < kBlockSide; ++x)
-            std::memcpy(to + x * kPixelBytes, from + (columns - 1) * kPixelBytes, kPixelBytes);
-    }
-}
 
 // Decodes into a block of our own and copies the part of it that lies inside the picture.
 void DecodePartialBlock(const std::uint8_t* block, DecodeRowFn decodeRow, std::uint8_t* out,
@@ -76,36 +55,6 @@ std::uint32_t DecodeBlockLevel(const std::uint8_t* source, std::uint8_t* destina
         }
         source += blocksAcross * blockBytes;
         destination += rows * stride;
-    }
-    return total;
-}
-
-std::uint32_t EncodeBlockLevel(const std::uint8_t* source, std::uint8_t* destination, std::uint32_t width,
-                               std::uint32_t height, const BlockEncoder& encoder)
-{
-    const std::uint32_t total = LevelBytes(width, height, encoder.blockBytes);
-    if (total == 0)
-        return 0;
-    const std::size_t stride = std::size_t{width} * kPixelBytes;
-    std::optional<CErrorDiffusion> diffusion;
-    std::vector<std::uint8_t> dithered;
-    if (encoder.dithering) {
-        diffusion.emplace(width, *encoder.dithering);
-        dithered.resize(stride * kBlockSide);
-    }
-    for (std::size_t top = 0; top < height; top += kBlockSide) {
-        Strip strip{source + top * stride, width, std::min(kBlockSide, height - top)};
-        if (diffusion) {
-            for (std::size_t y = 0; y < strip.rows; ++y)
-                diffusion->NextRow(strip.pixels + y * stride, dithered.data() + y * stride);
-            strip.pixels = dithered.data();
-        }
-        for (std::size_t left = 0; left < width; left += kBlockSide) {
-            BlockPixels pixels;
-            LoadBlock(strip, left, pixels);
-            encoder.encode(pixels, encoder.option, destination);
-            destination += encoder.blockBytes;
-        }
     }
     return total;
 }

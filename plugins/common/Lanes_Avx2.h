@@ -115,6 +115,10 @@ inline CInts GreaterHalves(CInts a, CInts b)
 {
     return {_mm256_cmpgt_epi16(a.v, b.v)};
 }
+inline CInts MagnitudeHalves(CInts a)
+{
+    return {_mm256_abs_epi16(a.v)};
+}
 template <int Bits>
 inline CInts ShiftRightHalves(CInts a)
 {
@@ -140,6 +144,21 @@ inline CInts LargerBytes(CInts a, CInts b)
 inline CInts SubtractBytes(CInts a, CInts b)
 {
     return {_mm256_sub_epi8(a.v, b.v)};
+}
+inline CInts AddBytesClamped(CInts a, CInts b)
+{
+    return {_mm256_adds_epu8(a.v, b.v)};
+}
+inline CInts SubtractBytesClamped(CInts a, CInts b)
+{
+    return {_mm256_subs_epu8(a.v, b.v)};
+}
+inline CInts LookUp(const std::uint8_t (&table)[16], CInts index)
+{
+    const __m256i entries =
+        _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(table)));
+    // A set top bit makes the byte 0.
+    return {_mm256_shuffle_epi8(entries, _mm256_or_si256(index.v, _mm256_set1_epi32(-256)))};
 }
 inline CInts BytePairSums(CInts bytes, CInts factors)
 {

@@ -200,6 +200,10 @@ inline CInts GreaterHalves(CInts a, CInts b)
 {
     return EachHalf(a, b, [](int x, int y) { return x > y ? -1 : 0; });
 }
+inline CInts MagnitudeHalves(CInts a)
+{
+    return EachHalf(a, a, [](int x, int) { return x < 0 ? -x : x; });
+}
 template <int Bits>
 inline CInts ShiftRightHalves(CInts a)
 {
@@ -228,6 +232,24 @@ inline CInts LargerBytes(CInts a, CInts b)
 inline CInts SubtractBytes(CInts a, CInts b)
 {
     return EachByte(a, b, [](int x, int y) { return x - y; });
+}
+/// At most 255.
+inline CInts AddBytesClamped(CInts a, CInts b)
+{
+    return EachByte(a, b, [](int x, int y) { return x + y > 255 ? 255 : x + y; });
+}
+/// At least 0.
+inline CInts SubtractBytesClamped(CInts a, CInts b)
+{
+    return EachByte(a, b, [](int x, int y) { return x > y ? x - y : 0; });
+}
+/// The entry of a table of 16 bytes that each lane asks for by a number from 0 to 15.
+inline CInts LookUp(const std::uint8_t (&table)[16], CInts index)
+{
+    CInts r;
+    for (int i = 0; i < kLanes; ++i)
+        r.v[i] = table[index.v[i] & 15];
+    return r;
 }
 /// In each half the sum of two products of an unsigned byte with a signed factor; it must fit 16 bits.
 inline CInts BytePairSums(CInts bytes, CInts factors)

@@ -114,6 +114,10 @@ inline CInts GreaterHalves(CInts a, CInts b)
 {
     return {_mm_cmpgt_epi16(a.v, b.v)};
 }
+inline CInts MagnitudeHalves(CInts a)
+{
+    return {_mm_abs_epi16(a.v)};
+}
 template <int Bits>
 inline CInts ShiftRightHalves(CInts a)
 {
@@ -139,6 +143,20 @@ inline CInts LargerBytes(CInts a, CInts b)
 inline CInts SubtractBytes(CInts a, CInts b)
 {
     return {_mm_sub_epi8(a.v, b.v)};
+}
+inline CInts AddBytesClamped(CInts a, CInts b)
+{
+    return {_mm_adds_epu8(a.v, b.v)};
+}
+inline CInts SubtractBytesClamped(CInts a, CInts b)
+{
+    return {_mm_subs_epu8(a.v, b.v)};
+}
+inline CInts LookUp(const std::uint8_t (&table)[16], CInts index)
+{
+    const __m128i entries = _mm_loadu_si128(reinterpret_cast<const __m128i*>(table));
+    // A set top bit makes the byte 0.
+    return {_mm_shuffle_epi8(entries, _mm_or_si128(index.v, _mm_set1_epi32(-256)))};
 }
 inline CInts BytePairSums(CInts bytes, CInts factors)
 {

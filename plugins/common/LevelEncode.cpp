@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <vector>
 
-#include "plugins/common/BlockLevel.h"
+#include "plugins/common/BlockDither.h"
 #include "plugins/common/RowTeam.h"
 
 namespace Plugin {
@@ -52,21 +51,6 @@ void EncodeStrip(const Strip& strip, const LevelEncoder& encoder, std::uint8_t* 
         EncodeFilled(strip, block, std::min(kFilledBlocks, strip.Blocks() - block), encoder.encodeRow,
                      out + block * encoder.blockBytes);
 }
-
-void EncodeDithered(const std::uint8_t* source, std::uint8_t* destination, std::size_t width,
-                    std::size_t height, const LevelEncoder& encoder)
-{
-    CErrorDiffusion diffusion(width, *encoder.dithering);
-    const std::size_t stride = width * kPixelBytes;
-    std::vector<std::uint8_t> dithered(stride * kBlockSide);
-    for (std::size_t top = 0; top < height; top += kBlockSide) {
-        const Strip strip{dithered.data(), width, std::min(kBlockSide, height - top)};
-        for (std::size_t y = 0; y < strip.rows; ++y)
-            diffusion.NextRow(source + (top + y) * stride, dithered.data() + y * stride);
-        EncodeStrip(strip, encoder, destination);
-        destination += strip.Blocks() * encoder.blockBytes;
-    }
-}
 }  // namespace
 
 std::uint32_t EncodeLevel(const std::uint8_t* source, std::uint8_t* destination, std::uint32_t width,
@@ -75,7 +59,7 @@ std::uint32_t EncodeLevel(const std::uint8_t* source, std::uint8_t* destination,
     const std::uint32_t total = LevelBytes(width, height, encoder.blockBytes);
     if (total == 0)
         return 0;
-    if (encoder.dithering) {
+    if (encoder.dithering.mode != Dithering::None) {
         EncodeDithered(source, destination, width, height, encoder);
         return total;
     }

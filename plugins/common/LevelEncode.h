@@ -5,20 +5,30 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
-#include "plugins/common/ErrorDiffusion.h"
+#include "plugins/common/BlockLevel.h"
+#include "plugins/common/PluginInfo.h"
+
 namespace Plugin {
 
 /// Encodes `count` whole blocks that lie side by side in four rows of R G B A pixels, `stride` bytes apart.
 using EncodeRowFn = void (*)(const std::uint8_t* pixels, std::size_t stride, std::size_t count,
                              std::uint8_t* out);
 
+/// How a level is dithered, see BlockDither.h. With a mode other than None it needs the format's decoder.
+struct BlockDithering {
+    Dithering mode = Dithering::None;
+    DecodeRowFn decodeRow = nullptr;
+    /// Fewer than 8: alpha is dithered to so many, pixel by pixel.
+    int alphaBits = 8;
+    /// The format has alpha, so nobody sees the colour of a pixel whose alpha is 0.
+    bool hidesColors = false;
+};
+
 struct LevelEncoder {
     EncodeRowFn encodeRow;
     std::size_t blockBytes;
-    /// When set, the pixels pass through error diffusion to these depths first, on the calling thread.
-    std::optional<ChannelBits> dithering;
+    BlockDithering dithering;
     /// Threads that share the rows, the calling one included.
     unsigned threads;
 };

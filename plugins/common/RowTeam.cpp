@@ -73,7 +73,8 @@ void CRowTeam::DoShare(unsigned member) const
 
 unsigned TeamSizeFor(std::uint64_t pixels, std::uint64_t pixelsPerMember)
 {
-    const std::uint64_t processors = std::max(1U, std::thread::hardware_concurrency());
+    // Systems look the number up in files, which takes longer than a small level.
+    static const std::uint64_t processors = std::max(1U, std::thread::hardware_concurrency());
     return static_cast<unsigned>(std::clamp<std::uint64_t>(pixels / pixelsPerMember, 1, processors));
 }
 

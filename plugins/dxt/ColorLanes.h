@@ -180,11 +180,10 @@ constexpr float kAxisLength = 1023;
 
 inline FloatColor MainAxis(Covariance c)
 {
-    // Divided by its trace the matrix keeps the iteration within the range of a float.
-    const CFloats trace = c.v[0] + c.v[3] + c.v[5];
-    const CFloats scale = CFloats::All(1) / Larger(trace, CFloats::All(1));
+    // Small enough for the iteration to stay within the range of a float, whose lower end is as far away.
+    constexpr float kScale = 1.0F / 4096;
     for (CFloats& value : c.v)
-        value = value * scale;
+        value = value * CFloats::All(kScale);
     const CInts greenWins = c.v[3] > c.v[0];
     FloatColor axis = Select(greenWins, FloatColor{c.v[1], c.v[3], c.v[4]}, {c.v[0], c.v[1], c.v[2]});
     const CInts blueWins = c.v[5] > Larger(c.v[0], c.v[3]);
@@ -193,7 +192,7 @@ inline FloatColor MainAxis(Covariance c)
     for (int step = 0; step < kSteps; ++step)
         axis = Turned(c, axis);
     const CFloats largest = Larger(Larger(Magnitude(axis.red), Magnitude(axis.green)), Magnitude(axis.blue));
-    return Times(axis, CFloats::All(kAxisLength) / Larger(largest, CFloats::All(1e-20F)));
+    return Times(axis, CFloats::All(kAxisLength) / Larger(largest, CFloats::All(1e-30F)));
 }
 
 inline void AddLabel(const ColorBatch& batch, int pixel, CInts label, LabelSums& sums)

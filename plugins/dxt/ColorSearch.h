@@ -1,7 +1,7 @@
 #pragma once
 
-// The colours of the levels above normal, put together from the searches. Included by the kernels of each
-// instruction set.
+// The colours of the levels from normal on, put together from the searches: ends for the pixels that count,
+// then words for all pixels. Included by the kernels of each instruction set.
 
 namespace {
 
@@ -20,22 +20,39 @@ inline ColorWords WordsOfThree(CInts first, CInts second, CInts places)
     return {Smaller(first, second) | ShiftLeft<16>(Larger(first, second)), indices};
 }
 
-inline ColorWords WordsOf(const ColorBatch& batch, const Candidate& candidate)
+inline ColorWords WordsOfPlaces(const Candidate& ends, CInts places)
 {
-    const CInts places = NearestPlaces(batch, candidate);
     // Labels count from the second end, places from the first.
-    const ColorWords four = WordsOf(candidate.first, candidate.second, places ^ CInts::All(-1));
-    const ColorWords three = WordsOfThree(candidate.first, candidate.second, places);
-    return {Select(candidate.isThree, three.ends, four.ends),
-            Select(candidate.isThree, three.indices, four.indices)};
+    const ColorWords four = WordsOf(ends.first, ends.second, places ^ CInts::All(-1));
+    const ColorWords three = WordsOfThree(ends.first, ends.second, places);
+    return {Select(ends.isThree, three.ends, four.ends), Select(ends.isThree, three.indices, four.indices)};
 }
 
-inline ColorWords SearchHigh(const ColorBatch& counted, const ColorBatch& all)
+inline ColorWords NearestWords(const ColorBatch& batch, const Candidate& ends)
 {
-    const PackedLine line = FitLine<2>(counted);
-    Candidate best = Measured(counted, line.first.packed, line.second.packed, CInts::All(0));
-    Descend(counted, 1, best);
-    return WordsOf(all, best);
+    return WordsOfPlaces(ends, NearestPlaces(batch, ends));
+}
+
+// By the place on the line alone, which is nearly as good and quicker. For four colours.
+inline ColorWords QuickWords(const ColorBatch& batch, const Candidate& ends)
+{
+    return WordsOf(ends.first, ends.second, LabelsOf(batch, {Unpacked(ends.first), Unpacked(ends.second)}));
+}
+
+// Does not tell the error.
+template <int Rounds>
+inline Candidate FitNormal(const ColorBatch& batch)
+{
+    const PackedLine line = FitLine<3, Rounds>(batch);
+    return {line.first.packed, line.second.packed, CInts::All(0), CInts::All(0)};
+}
+
+inline Candidate SearchHigh(const ColorBatch& batch)
+{
+    const PackedLine line = FitLine<3, 2>(batch);
+    Candidate best = Measured(batch, line.first.packed, line.second.packed, CInts::All(0));
+    Descend(batch, 1, best);
+    return best;
 }
 
 // Without the pixels for which `mask` is not set.
@@ -103,26 +120,26 @@ inline Candidate SearchFour(const ColorBatch& batch)
 {
     const ColorSums colors = SumColors(batch);
     Candidate best = FitRuns<3>(batch, colors, ToHalfColor(MainAxis(CovarianceOf(batch, colors))));
-    const PackedLine line = FitLine<2>(batch);
+    const PackedLine line = FitLine<3, 2>(batch);
     Keep(Measured(batch, line.first.packed, line.second.packed, CInts::All(0)), best);
     return best;
 }
 
 template <bool FourOnly>
-inline ColorWords SearchBest(const ColorBatch& counted, const ColorBatch& all)
+inline Candidate SearchBest(const ColorBatch& batch)
 {
     // Each kind of block comes some way down on its own before the better one is known.
     constexpr int kPassesBefore = 1;
     constexpr int kPasses = 2;
-    Candidate best = SearchFour(counted);
+    Candidate best = SearchFour(batch);
     if constexpr (!FourOnly) {
-        Descend(counted, kPassesBefore, best);
-        Candidate three = SearchThree(counted);
-        Descend(counted, kPassesBefore, three);
+        Descend(batch, kPassesBefore, best);
+        Candidate three = SearchThree(batch);
+        Descend(batch, kPassesBefore, three);
         Keep(three, best);
     }
-    Descend(counted, kPasses, best);
-    return WordsOf(all, best);
+    Descend(batch, kPasses, best);
+    return best;
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include "plugins/common/BlockLevel.h"
 #include "plugins/common/LevelEncode.h"
 #include "plugins/common/RowTeam.h"
-#include "plugins/dxt/BlockEncode.h"
+#include "plugins/dxt/EncodeKernels.h"
 #include "plugins/dxt/RowDecode.h"
 
 namespace Dxt {
@@ -25,35 +25,36 @@ std::uint64_t PixelsPerThread(Plugin::Quality quality)
     return 1;
 }
 
-Plugin::EncodeRowFn EncodeRowFor(const EncodeOptions& options)
+Plugin::EncodeRowFn EncodeRowFor(const EncodeOptions& options, Plugin::InstructionSet set)
 {
-    const EncodeKernels& kernels =
-        EncodeKernelsFor(options.instructionSet.value_or(Plugin::PreferredInstructionSet()));
+    const EncodeKernels& kernels = EncodeKernelsFor(set);
     const auto level = static_cast<std::size_t>(options.quality);
     switch (options.variant) {
         case Variant::Dxt1:
             return kernels.dxt1[level];
-        case Variant::Dxt5:
-            return kernels.dxt5[level];
         case Variant::Dxt1Alpha:
+            return kernels.dxt1Alpha[level];
         case Variant::Dxt3:
+            return kernels.dxt3[level];
+        case Variant::Dxt5:
             break;
     }
-    return BlockEncodeRowFor(options.variant, options.quality);
+    return kernels.dxt5[level];
 }
 
-Plugin::ChannelBits DitheringBits(Variant variant)
+// Alpha of eight bits needs no dithering: interpolated alpha has steps that nobody sees.
+int AlphaBits(Variant variant)
 {
     switch (variant) {
         case Variant::Dxt1Alpha:
-            return {5, 6, 5, 1};
+            return 1;
         case Variant::Dxt3:
-            return {5, 6, 5, 4};
+            return 4;
         case Variant::Dxt1:
         case Variant::Dxt5:
             break;
     }
-    return {5, 6, 5, 8};
+    return 8;
 }
 }  // namespace
 
@@ -75,20 +76,22 @@ std::size_t BlockBytes(Variant variant)
 }
 
 std::uint32_t Decompress(const void* source, void* destination, std::uint32_t width, std::uint32_t height,
-                         Variant variant)
+                         Variant variant, std::optional<Plugin::InstructionSet> set)
 {
-    return Plugin::DecodeBlockLevel(static_cast<const std::uint8_t*>(source),
-                                    static_cast<std::uint8_t*>(destination), width, height,
-                                    BlockBytes(variant), DecodeRowFor(variant));
+    return Plugin::DecodeBlockLevel(
+        static_cast<const std::uint8_t*>(source), static_cast<std::uint8_t*>(destination), width, height,
+        BlockBytes(variant), DecodeRowFor(variant, set.value_or(Plugin::PreferredInstructionSet())));
 }
 
 std::uint32_t Compress(const void* source, void* destination, std::uint32_t width, std::uint32_t height,
                        const EncodeOptions& options)
 {
-    Plugin::LevelEncoder encoder{EncodeRowFor(options), BlockBytes(options.variant), std::nullopt,
+    const auto set = options.instructionSet.value_or(Plugin::PreferredInstructionSet());
+    Plugin::LevelEncoder encoder{EncodeRowFor(options, set),
+                                 BlockBytes(options.variant),
+                                 {options.dithering, DecodeRowFor(options.variant, set),
+                                  AlphaBits(options.variant), options.variant != Variant::Dxt1},
                                  options.threads};
-    if (options.dithering)
-        encoder.dithering = DitheringBits(options.variant);
     if (encoder.threads == 0)
         encoder.threads =
             Plugin::TeamSizeFor(std::uint64_t{width} * height, PixelsPerThread(options.quality));

@@ -26,14 +26,15 @@ std::optional<Variant> VariantOf(std::uint32_t flags);
 std::size_t BlockBytes(Variant variant);
 
 /// Decodes one level to width * height R G B A pixels. Reads whole blocks: ceil(width / 4) * ceil(height /
-/// 4). Returns the bytes written, 0 when a side is 0 or the result would not fit 32 bits.
+/// 4). Returns the bytes written, 0 when a side is 0 or the result would not fit 32 bits. `set` never changes
+/// the bytes; none: the best one here. One that this processor lacks must not be asked for.
 std::uint32_t Decompress(const void* source, void* destination, std::uint32_t width, std::uint32_t height,
-                         Variant variant);
+                         Variant variant, std::optional<Plugin::InstructionSet> set = std::nullopt);
 
 struct EncodeOptions {
     Variant variant = Variant::Dxt1;
     Plugin::Quality quality = Plugin::Quality::Normal;
-    bool dithering = false;
+    Plugin::Dithering dithering = Plugin::Dithering::None;
     /// 0: as many as are worth their while for the size and the level.
     unsigned threads = 0;
     /// Never changes the bytes; none: the best one here. One that this processor lacks must not be asked for.

@@ -12,6 +12,8 @@ namespace Dxt {
 /// By quality level, in the order of Plugin::Quality.
 struct EncodeKernels {
     Plugin::EncodeRowFn dxt1[4];
+    Plugin::EncodeRowFn dxt1Alpha[4];
+    Plugin::EncodeRowFn dxt3[4];
     Plugin::EncodeRowFn dxt5[4];
 };
 

@@ -14,80 +14,21 @@
 #include "plugins/dxt/ColorLanes.h"
 #include "plugins/dxt/LineFit.h"
 #include "plugins/dxt/AlphaLanes.h"
+#include "plugins/dxt/ExplicitAlpha.h"
 #include "plugins/dxt/FastFit.h"
 #include "plugins/dxt/LineSearch.h"
 #include "plugins/dxt/RunFit.h"
 #include "plugins/dxt/ColorSearch.h"
+#include "plugins/dxt/ColorSplit.h"
+#include "plugins/dxt/OneBitAlpha.h"
 #include "plugins/dxt/RowEncode.h"
 // clang-format on
 
 namespace {
 
-// The colours of a batch: all of them, and those that count.
-struct SplitBatch {
-    ColorBatch all;
-    ColorBatch counted;
-    CInts isSolid;  // all pixels that count have the colour of `sample`
-    CInts sample;
-};
-
-inline void SplitColors(const CInts (&pixels)[kPixels], ColorBatch& colors)
-{
-    for (int i = 0; i < kPixels; ++i) {
-        colors.redGreen[i] = RedGreen(pixels[i]);
-        colors.blueOne[i] = BlueOne(pixels[i]);
-        colors.counts[i] = CInts::All(-1);
-    }
-}
-
-inline CInts HasNoRange(const ByteBox& box)
-{
-    return ((box.low ^ box.high) & CInts::All(0xFFFFFF)) == CInts::All(0);
-}
-
-inline void SplitOpaque(const CInts (&pixels)[kPixels], SplitBatch& batch)
-{
-    SplitColors(pixels, batch.all);
-    batch.isSolid = HasNoRange(BoxOf(pixels));
-    batch.sample = pixels[0];
-}
-
-// Nobody sees the colour of a pixel without alpha, so it does not count; where no pixel has any, all do.
-// Returns the colours that count.
-inline const ColorBatch& SplitVisible(const CInts (&pixels)[kPixels], SplitBatch& batch)
-{
-    const CInts zero = CInts::All(0);
-    CInts highest = pixels[0];
-    for (int i = 1; i < kPixels; ++i)
-        highest = LargerBytes(highest, pixels[i]);
-    const CInts hasVisible = (ShiftRightUnsigned<24>(highest) == zero) ^ CInts::All(-1);
-    CInts unseen[kPixels];
-    CInts anyUnseen = zero;
-    for (int i = 0; i < kPixels; ++i) {
-        unseen[i] = (ShiftRightUnsigned<24>(pixels[i]) == zero) & hasVisible;
-        anyUnseen = anyUnseen | unseen[i];
-    }
-    if (!AnyOf(anyUnseen)) {
-        SplitOpaque(pixels, batch);
-        return batch.all;
-    }
-    SplitColors(pixels, batch.all);
-    ByteBox box{CInts::All(-1), zero};
-    for (int i = 0; i < kPixels; ++i) {
-        const CInts counts = unseen[i] ^ CInts::All(-1);
-        batch.counted.redGreen[i] = batch.all.redGreen[i] & counts;
-        batch.counted.blueOne[i] = batch.all.blueOne[i] & counts;
-        batch.counted.counts[i] = counts;
-        box.low = SmallerBytes(box.low, pixels[i] | unseen[i]);
-        box.high = LargerBytes(box.high, pixels[i] & counts);
-    }
-    batch.isSolid = HasNoRange(box);
-    batch.sample = box.high;
-    return batch.counted;
-}
-
-// Writes the blocks of one colour again from the tables; `out` is the colour part of the first block.
-inline void StoreSolids(CInts isSolid, CInts sample, bool fourOnly, std::size_t bytes, std::uint8_t* out)
+// `store(lane, pixel, block)` for each block of one colour; `out` is the colour part of the first block.
+template <typename Store>
+inline void StoreEachSolid(CInts isSolid, CInts sample, std::size_t bytes, std::uint8_t* out, Store store)
 {
     if (!AnyOf(isSolid))
         return;
@@ -97,8 +38,24 @@ inline void StoreSolids(CInts isSolid, CInts sample, bool fourOnly, std::size_t 
     sample.Store(pixels);
     for (std::size_t lane = 0; lane < kBatch; ++lane)
         if (masks[lane] != 0)
-            Dxt::StoreSolidBlock(static_cast<std::uint32_t>(pixels[lane]), fourOnly,
-                                 out + static_cast<std::size_t>(kBlockOfLane[lane]) * bytes);
+            store(lane, static_cast<std::uint32_t>(pixels[lane]),
+                  out + static_cast<std::size_t>(kBlockOfLane[lane]) * bytes);
+}
+
+// Writes the blocks of one colour again from the tables.
+inline void StoreSolids(CInts isSolid, CInts sample, bool fourOnly, std::size_t bytes, std::uint8_t* out)
+{
+    // Neighbours mostly have the same colour.
+    std::uint32_t lastPixel = 0;
+    const std::uint8_t* lastBlock = nullptr;
+    StoreEachSolid(isSolid, sample, bytes, out, [&](std::size_t, std::uint32_t pixel, std::uint8_t* block) {
+        if (lastBlock != nullptr && pixel == lastPixel)
+            std::memcpy(block, lastBlock, 8);
+        else
+            Dxt::StoreSolidBlock(pixel, fourOnly, block);
+        lastPixel = pixel;
+        lastBlock = block;
+    });
 }
 
 void EncodeDxt1Fast(const std::uint8_t* rows, std::size_t stride, std::size_t count, std::uint8_t* out)
@@ -108,32 +65,17 @@ void EncodeDxt1Fast(const std::uint8_t* rows, std::size_t stride, std::size_t co
                          CInts pixels[kPixels];
                          LoadPixels(from, fromStride, pixels);
                          const ByteBox box = BoxOf(pixels);
-                         const ColorWords words = FitFast(pixels, box);
+                         const ColorWords words = FitFast<kEighth>(pixels, box);
                          StorePairs(words.ends, words.indices, to);
                          StoreSolids(HasNoRange(box), pixels[0], false, 8, to);
                      });
 }
 
-// Deliberate: the quickest level does not look which pixels can be seen; that would cost it a third of its
-// speed.
-void EncodeDxt5Fast(const std::uint8_t* rows, std::size_t stride, std::size_t count, std::uint8_t* out)
-{
-    EncodeBatches<16>(rows, stride, count, out,
-                      [](const std::uint8_t* from, std::size_t fromStride, std::uint8_t* to) {
-                          CInts pixels[kPixels];
-                          LoadPixels(from, fromStride, pixels);
-                          const AlphaWords alpha = FitAlphas<AlphaEffort::Fast, 0>(pixels);
-                          const ByteBox box = BoxOf(pixels);
-                          const ColorWords words = FitFast(pixels, box);
-                          StoreQuads(alpha.first, alpha.second, words.ends, words.indices, to);
-                          StoreSolids(HasNoRange(box), pixels[0], true, 16, to + 8);
-                      });
-}
-
-using FitColorsFn = ColorWords (*)(const ColorBatch& counted, const ColorBatch& all);
+using FitColorsFn = Candidate (*)(const ColorBatch& counted);
+using WordsFn = ColorWords (*)(const ColorBatch& all, const Candidate& ends);
 using FitAlphasFn = AlphaWords (*)(const CInts (&pixels)[kPixels]);
 
-template <FitColorsFn FitColors>
+template <FitColorsFn FitColors, WordsFn Words>
 void EncodeDxt1(const std::uint8_t* rows, std::size_t stride, std::size_t count, std::uint8_t* out)
 {
     EncodeBatches<8>(rows, stride, count, out,
@@ -141,24 +83,68 @@ void EncodeDxt1(const std::uint8_t* rows, std::size_t stride, std::size_t count,
                          CInts pixels[kPixels];
                          SplitBatch batch;
                          LoadPixels(from, fromStride, pixels);
-                         SplitOpaque(pixels, batch);
-                         const ColorWords words = FitColors(batch.all, batch.all);
+                         SplitOpaque(pixels, BoxOf(pixels), batch);
+                         const ColorWords words = Words(batch.all, FitColors(batch.all));
                          StorePairs(words.ends, words.indices, to);
                          StoreSolids(batch.isSolid, batch.sample, false, 8, to);
                      });
 }
 
-template <FitColorsFn FitColors, FitAlphasFn FitAlpha>
-void EncodeDxt5(const std::uint8_t* rows, std::size_t stride, std::size_t count, std::uint8_t* out)
+template <int Rounds, int Passes, bool TriesRuns>
+void EncodeDxt1Alpha(const std::uint8_t* rows, std::size_t stride, std::size_t count, std::uint8_t* out)
+{
+    EncodeBatches<8>(
+        rows, stride, count, out, [](const std::uint8_t* from, std::size_t fromStride, std::uint8_t* to) {
+            CInts pixels[kPixels];
+            SplitBatch batch;
+            LoadPixels(from, fromStride, pixels);
+            const CInts clear = SplitByOneBit(pixels, batch);
+            const Candidate ends = FitOneBit<Rounds, Passes, TriesRuns>(batch.counted, batch.anyLeftOut);
+            const CInts places = NearestPlaces<Beside::Nothing>(batch.counted, ends) | clear;
+            const ColorWords words = WordsOfPlaces(ends, places);
+            StorePairs(words.ends, words.indices, to);
+            std::int32_t holes[kBatch];
+            clear.Store(holes);
+            StoreEachSolid(batch.isSolid, batch.sample, 8, to,
+                           [&](std::size_t lane, std::uint32_t pixel, std::uint8_t* block) {
+                               Dxt::StoreSolidBlockWithHoles(pixel, static_cast<std::uint32_t>(holes[lane]),
+                                                             block);
+                           });
+        });
+}
+
+// DXT3 and DXT5 differ in `FitAlphas` alone. Deliberate: the quickest level does not look which pixels can be
+// seen; that would cost it a third of its speed.
+template <FitAlphasFn FitAlphas>
+void EncodeWithAlphaFast(const std::uint8_t* rows, std::size_t stride, std::size_t count, std::uint8_t* out)
+{
+    EncodeBatches<16>(rows, stride, count, out,
+                      [](const std::uint8_t* from, std::size_t fromStride, std::uint8_t* to) {
+                          CInts pixels[kPixels];
+                          LoadPixels(from, fromStride, pixels);
+                          const AlphaWords alpha = FitAlphas(pixels);
+                          const ByteBox box = BoxOf(pixels);
+                          const ColorWords words = FitFast<kSixteenth>(pixels, box);
+                          StoreQuads(alpha.first, alpha.second, words.ends, words.indices, to);
+                          StoreSolids(HasNoRange(box), pixels[0], true, 16, to + 8);
+                      });
+}
+
+template <FitColorsFn FitColors, WordsFn Words, FitAlphasFn FitAlphas>
+void EncodeWithAlpha(const std::uint8_t* rows, std::size_t stride, std::size_t count, std::uint8_t* out)
 {
     EncodeBatches<16>(rows, stride, count, out,
                       [](const std::uint8_t* from, std::size_t fromStride, std::uint8_t* to) {
                           CInts pixels[kPixels];
                           SplitBatch batch;
                           LoadPixels(from, fromStride, pixels);
-                          const ColorBatch& counted = SplitVisible(pixels, batch);
-                          const AlphaWords alpha = FitAlpha(pixels);
-                          const ColorWords words = FitColors(counted, batch.all);
+                          SplitVisible(pixels, batch);
+                          const AlphaWords alpha = FitAlphas(pixels);
+                          // Wholly transparent areas are mostly of one colour.
+                          const CInts none = CInts::All(0);
+                          const ColorWords words = AnyOf(batch.isSolid ^ CInts::All(-1))
+                                                       ? Words(batch.all, FitColors(CountedOf(batch)))
+                                                       : ColorWords{none, none};
                           StoreQuads(alpha.first, alpha.second, words.ends, words.indices, to);
                           StoreSolids(batch.isSolid, batch.sample, true, 16, to + 8);
                       });
@@ -169,9 +155,16 @@ void EncodeDxt5(const std::uint8_t* rows, std::size_t stride, std::size_t count,
 namespace Dxt {
 
 const EncodeKernels MAVREL_DXT_KERNELS{
-    {EncodeDxt1<FitNormal<2>>, EncodeDxt1Fast, EncodeDxt1<SearchHigh>, EncodeDxt1<SearchBest<false>>},
-    {EncodeDxt5<FitNormal<1>, FitAlphas<AlphaEffort::Normal, 0>>, EncodeDxt5Fast,
-     EncodeDxt5<SearchHigh, FitAlphas<AlphaEffort::Searched, 1>>,
-     EncodeDxt5<SearchBest<true>, FitAlphas<AlphaEffort::Searched, 8>>}};
+    {EncodeDxt1<FitNormal<2>, QuickWords>, EncodeDxt1Fast, EncodeDxt1<SearchHigh, NearestWords>,
+     EncodeDxt1<SearchBest<false>, NearestWords>},
+    {EncodeDxt1Alpha<1, 0, false>, EncodeDxt1Alpha<0, 0, false>, EncodeDxt1Alpha<2, 1, false>,
+     EncodeDxt1Alpha<2, 3, true>},
+    {EncodeWithAlpha<FitNormal<1>, QuickWords, ExplicitAlphas>, EncodeWithAlphaFast<ExplicitAlphas>,
+     EncodeWithAlpha<SearchHigh, NearestWords, ExplicitAlphas>,
+     EncodeWithAlpha<SearchBest<true>, NearestWords, ExplicitAlphas>},
+    {EncodeWithAlpha<FitNormal<1>, QuickWords, FitAlphas<AlphaEffort::Normal, 0>>,
+     EncodeWithAlphaFast<FitAlphas<AlphaEffort::Fast, 0>>,
+     EncodeWithAlpha<SearchHigh, NearestWords, FitAlphas<AlphaEffort::Searched, 1>>,
+     EncodeWithAlpha<SearchBest<true>, NearestWords, FitAlphas<AlphaEffort::Searched, 8>>}};
 
 }  // namespace Dxt

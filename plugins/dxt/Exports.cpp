@@ -26,7 +26,7 @@ MAVREL_PLUGIN_EXPORT std::uint32_t DXTCompress(const void* source, void* destina
         return 0;
     try {
         return Dxt::Compress(source, destination, width, height,
-                             {*variant, Plugin::QualityOf(flags), (flags & MavrelDithering) != 0});
+                             {*variant, Plugin::QualityOf(flags), Plugin::DitheringOf(flags)});
     } catch (const std::bad_alloc&) {
         return 0;
     }

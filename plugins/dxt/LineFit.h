@@ -1,7 +1,8 @@
 #pragma once
 
 // The search of the middle level: the line along the main axis of the colours, labels by the nearest place on
-// it, and ends solved from the labels, a few times over. Included by the kernels of each instruction set.
+// it, and ends solved from the labels, a few times over. A line has as many steps as the highest label: three
+// for four colours, two for three. Included by the kernels of each instruction set.
 
 namespace {
 
@@ -30,7 +31,20 @@ inline LabelSums SumLabels(const ColorBatch& batch, const Cuts& cuts)
     return sums;
 }
 
-// Cuts the axis between the outermost pixels into parts around four evenly spaced places.
+// Cuts a way of the length `range` into parts around evenly spaced places.
+template <int Steps>
+inline Cuts EvenCuts(const HalfColor& direction, CFloats start, CFloats range)
+{
+    // What is beyond every place is no cut.
+    constexpr int kNever = 0x7FFFFFFF;
+    return {direction,
+            {ToInts(start + range * CFloats::All(0.5F / Steps)),
+             ToInts(start + range * CFloats::All(1.5F / Steps)),
+             Steps == 3 ? ToInts(start + range * CFloats::All(2.5F / Steps)) : CInts::All(kNever)}};
+}
+
+// Labels by even parts of the axis between the outermost pixels.
+template <int Steps>
 inline LabelSums SumLabelsAlong(const ColorBatch& batch, const FloatColor& mean, const FloatColor& direction)
 {
     const HalfColor axis = ToHalfColor(direction);
@@ -45,10 +59,7 @@ inline LabelSums SumLabelsAlong(const ColorBatch& batch, const FloatColor& mean,
         highest = Larger(highest, places[i]);
     }
     const CFloats low = ToFloats(lowest);
-    const CFloats range = ToFloats(highest) - low;
-    const Cuts cuts{axis,
-                    {ToInts(low + range * CFloats::All(1.0F / 6)), ToInts(low + range * CFloats::All(0.5F)),
-                     ToInts(low + range * CFloats::All(5.0F / 6))}};
+    const Cuts cuts = EvenCuts<Steps>(axis, low, ToFloats(highest) - low);
     LabelSums sums = NoLabels();
     for (int i = 0; i < kPixels; ++i)
         AddLabel(batch, i, LabelOf(places[i], cuts), sums);
@@ -56,6 +67,7 @@ inline LabelSums SumLabelsAlong(const ColorBatch& batch, const FloatColor& mean,
 }
 
 // The direction is eight times the line's, so that short lines keep their slope.
+template <int Steps>
 inline Cuts CutsOf(const FloatLine& line)
 {
     constexpr float kScale = 8;
@@ -64,10 +76,7 @@ inline Cuts CutsOf(const FloatLine& line)
     const FloatColor rounded{ToFloats(ToInts(direction.red)), ToFloats(ToInts(direction.green)),
                              ToFloats(ToInts(direction.blue))};
     const CFloats start = Dot(line.second, rounded);
-    const CFloats range = Dot(line.first, rounded) - start;
-    return {whole,
-            {ToInts(start + range * CFloats::All(1.0F / 6)), ToInts(start + range * CFloats::All(0.5F)),
-             ToInts(start + range * CFloats::All(5.0F / 6))}};
+    return EvenCuts<Steps>(whole, start, Dot(line.first, rounded) - start);
 }
 
 // Cuts halfway between the colours that the decoder shows.
@@ -133,28 +142,20 @@ inline FloatColor MeanOf(const ColorSums& colors)
 }
 
 // Labels come once from the axis, and `Rounds` times from the line solved last.
-template <int Rounds>
+template <int Steps, int Rounds>
 inline PackedLine FitLine(const ColorBatch& batch)
 {
     const ColorSums colors = SumColors(batch);
     const FloatColor mean = MeanOf(colors);
     FloatLine line{mean, mean};
     LineSystem system =
-        SystemOf<3>(colors, SumLabelsAlong(batch, mean, MainAxis(CovarianceOf(batch, colors))));
-    SolveLine<3>(system, line);
+        SystemOf<Steps>(colors, SumLabelsAlong<Steps>(batch, mean, MainAxis(CovarianceOf(batch, colors))));
+    SolveLine<Steps>(system, line);
     for (int round = 0; round < Rounds; ++round) {
-        system = SystemOf<3>(colors, SumLabels(batch, CutsOf(line)));
-        SolveLine<3>(system, line);
+        system = SystemOf<Steps>(colors, SumLabels(batch, CutsOf<Steps>(line)));
+        SolveLine<Steps>(system, line);
     }
-    return Rounded<3>(system, line);
-}
-
-// Fits the line to the pixels that count, and labels all of them.
-template <int Rounds>
-inline ColorWords FitNormal(const ColorBatch& counted, const ColorBatch& all)
-{
-    const PackedLine line = FitLine<Rounds>(counted);
-    return WordsOf(line.first.packed, line.second.packed, LabelsOf(all, line));
+    return Rounded<Steps>(system, line);
 }
 
 }  // namespace

@@ -160,7 +160,7 @@ inline RunCuts BestThreeCuts(const RunSums& sums)
 }
 
 // The ends for the best cuts of the order along `direction`.
-template <int Steps>
+template <int Steps, Beside Fourth = Beside::Black>
 inline Candidate FitRuns(const ColorBatch& batch, const ColorSums& colors, const HalfColor& direction)
 {
     const ColorBatch sorted = InOrder(batch, direction);
@@ -181,7 +181,8 @@ inline Candidate FitRuns(const ColorBatch& batch, const ColorSums& colors, const
     const LineSystem system = SystemOf<Steps>(colors, sums);
     SolveLine<Steps>(system, line);
     const PackedLine packed = Rounded<Steps>(system, line);
-    return Measured(batch, packed.first.packed, packed.second.packed, CInts::All(Steps == 3 ? 0 : -1));
+    return Measured<Fourth>(batch, packed.first.packed, packed.second.packed,
+                            CInts::All(Steps == 3 ? 0 : -1));
 }
 
 }  // namespace

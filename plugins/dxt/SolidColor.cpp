@@ -73,6 +73,26 @@ int Squared(int difference)
 {
     return difference * difference;
 }
+
+Rgb ColorOf(std::uint32_t pixel)
+{
+    return {static_cast<int>(pixel & 0xFF), static_cast<int>(pixel >> 8 & 0xFF),
+            static_cast<int>(pixel >> 16 & 0xFF)};
+}
+
+void StoreBlock(const SolidEndpoints& ends, std::uint32_t indices, std::uint8_t* out)
+{
+    out[0] = static_cast<std::uint8_t>(ends.color0 & 0xFF);
+    out[1] = static_cast<std::uint8_t>(ends.color0 >> 8);
+    out[2] = static_cast<std::uint8_t>(ends.color1 & 0xFF);
+    out[3] = static_cast<std::uint8_t>(ends.color1 >> 8);
+    for (std::size_t row = 4; row < kColorBytes; ++row, indices >>= 8)
+        out[row] = static_cast<std::uint8_t>(indices & 0xFF);
+}
+
+// Every pixel the mix that is nearer to the first colour, and the one that is nearer to the second.
+constexpr std::uint32_t kAllThird = 0xAAAAAAAA;
+constexpr std::uint32_t kAllFourth = 0xFFFFFFFF;
 }  // namespace
 
 SolidEndpoints SolidEndpointsFor(const Rgb& color, PaletteMode mode)
@@ -90,8 +110,7 @@ SolidEndpoints SolidEndpointsFor(const Rgb& color, PaletteMode mode)
 
 void StoreSolidBlock(std::uint32_t pixel, bool fourOnly, std::uint8_t* out)
 {
-    const Rgb color{static_cast<int>(pixel & 0xFF), static_cast<int>(pixel >> 8 & 0xFF),
-                    static_cast<int>(pixel >> 16 & 0xFF)};
+    const Rgb color = ColorOf(pixel);
     SolidEndpoints best = SolidEndpointsFor(color, PaletteMode::FourColors);
     bool isFour = true;
     if (!fourOnly) {
@@ -99,21 +118,27 @@ void StoreSolidBlock(std::uint32_t pixel, bool fourOnly, std::uint8_t* out)
         isFour = best.error <= three.error;
         best = isFour ? best : three;
     }
-    // Index 2 is the mix nearer to the first colour; 3 the one nearer to the second, should the colours have
-    // to change places for the mode.
-    std::uint8_t indices = 0xAA;
+    std::uint32_t indices = kAllThird;
     if (best.color0 == best.color1) {
         indices = 0;
     } else if ((best.color0 > best.color1) != isFour) {
+        // The colours change places for the mode.
         std::swap(best.color0, best.color1);
-        indices = isFour ? 0xFF : 0xAA;
+        indices = isFour ? kAllFourth : kAllThird;
     }
-    out[0] = static_cast<std::uint8_t>(best.color0 & 0xFF);
-    out[1] = static_cast<std::uint8_t>(best.color0 >> 8);
-    out[2] = static_cast<std::uint8_t>(best.color1 & 0xFF);
-    out[3] = static_cast<std::uint8_t>(best.color1 >> 8);
-    for (std::size_t row = 4; row < kColorBytes; ++row)
-        out[row] = indices;
+    StoreBlock(best, indices, out);
+}
+
+void StoreSolidBlockWithHoles(std::uint32_t pixel, std::uint32_t clear, std::uint8_t* out)
+{
+    if (clear == 0) {
+        StoreSolidBlock(pixel, false, out);
+        return;
+    }
+    SolidEndpoints ends = SolidEndpointsFor(ColorOf(pixel), PaletteMode::ThreeColors);
+    if (ends.color0 > ends.color1)
+        std::swap(ends.color0, ends.color1);
+    StoreBlock(ends, kAllThird | clear, out);
 }
 
 }  // namespace Dxt

@@ -23,4 +23,8 @@ SolidEndpoints SolidEndpointsFor(const Rgb& color, PaletteMode mode);
 /// DXT5; else the palette that comes nearer is taken.
 void StoreSolidBlock(std::uint32_t pixel, bool fourOnly, std::uint8_t* out);
 
+/// The same for DXT1 with one-bit alpha: pixels whose two bits are set in `clear`, the first pixel's lowest,
+/// become transparent.
+void StoreSolidBlockWithHoles(std::uint32_t pixel, std::uint32_t clear, std::uint8_t* out);
+
 }  // namespace Dxt

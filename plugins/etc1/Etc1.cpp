@@ -1,37 +1,58 @@
 #include "plugins/etc1/Etc1.h"
 
 #include "plugins/common/BlockLevel.h"
-#include "plugins/etc1/BlockEncode.h"
+#include "plugins/common/LevelEncode.h"
+#include "plugins/common/RowTeam.h"
 #include "plugins/etc1/BlockFormat.h"
+#include "plugins/etc1/EncodeKernels.h"
 #include "plugins/etc1/RowDecode.h"
 
 namespace Etc1 {
 namespace {
-// The depth of a base colour in the differential mode, which smooth pictures mostly get.
-constexpr Plugin::ChannelBits kDitheringBits{5, 5, 5, 8};
-
-void EncodeOne(const Plugin::BlockPixels& pixels, std::uint32_t option, std::uint8_t* out)
+// Pixels for which a thread of its own takes about half a millisecond off the call, many times what starting
+// it costs.
+std::uint64_t PixelsPerThread(Plugin::Quality quality)
 {
-    EncodeBlock(pixels, static_cast<Plugin::Quality>(option), out);
+    switch (quality) {
+        case Plugin::Quality::Normal:
+            return std::uint64_t{1} << 15;
+        case Plugin::Quality::Fast:
+            return std::uint64_t{1} << 18;
+        case Plugin::Quality::High:
+            return std::uint64_t{1} << 12;
+        case Plugin::Quality::Best:
+            return std::uint64_t{1} << 11;
+    }
+    return 1;
+}
+
+Plugin::InstructionSet SetOrPreferred(std::optional<Plugin::InstructionSet> set)
+{
+    return set ? *set : Plugin::PreferredInstructionSet();
 }
 }  // namespace
 
-std::uint32_t Decompress(const void* source, void* destination, std::uint32_t width, std::uint32_t height)
+std::uint32_t Decompress(const void* source, void* destination, std::uint32_t width, std::uint32_t height,
+                         std::optional<Plugin::InstructionSet> instructionSet)
 {
     return Plugin::DecodeBlockLevel(static_cast<const std::uint8_t*>(source),
                                     static_cast<std::uint8_t*>(destination), width, height, kBlockBytes,
-                                    DecodeRow());
+                                    DecodeRowFor(SetOrPreferred(instructionSet)));
 }
 
 std::uint32_t Compress(const void* source, void* destination, std::uint32_t width, std::uint32_t height,
                        const EncodeOptions& options)
 {
-    Plugin::BlockEncoder encoder{kBlockBytes, EncodeOne, static_cast<std::uint32_t>(options.quality),
-                                 std::nullopt};
-    if (options.dithering)
-        encoder.dithering = kDitheringBits;
-    return Plugin::EncodeBlockLevel(static_cast<const std::uint8_t*>(source),
-                                    static_cast<std::uint8_t*>(destination), width, height, encoder);
+    const Plugin::InstructionSet set = SetOrPreferred(options.instructionSet);
+    Plugin::LevelEncoder encoder{EncodeKernelsFor(set).encode[static_cast<std::size_t>(options.quality)],
+                                 kBlockBytes,
+                                 {options.dithering, DecodeRowFor(set)},
+                                 options.threads};
+    if (encoder.threads == 0)
+        encoder.threads =
+            Plugin::TeamSizeFor(std::uint64_t{width} * height, PixelsPerThread(options.quality));
+    return Plugin::EncodeLevel(static_cast<const std::uint8_t*>(source),
+                               static_cast<std::uint8_t*>(destination), width, height, encoder);
 }
 
 }  // namespace Etc1

@@ -2,16 +2,15 @@
 
 #include <new>
 
+#include "plugins/common/InstructionSet.h"
 #include "plugins/common/PluginInfo.h"
 #include "plugins/etc1/Etc1.h"
 
-namespace {
-constexpr Plugin::Texts kTexts{Plugin::kQualityNames, Plugin::kDitheringNames, u"ETC1 codec",
-                               u"Encodes and decodes Ericsson texture compression 1. Alpha is not stored."};
-}  // namespace
-
 const Plugin::Texts& Plugin::TextsOfThisPlugin()
 {
+    static const Texts kTexts{kQualityNames, kDitheringNames, u"ETC1 codec",
+                              u"Encodes and decodes Ericsson texture compression 1. Alpha is not stored.",
+                              NameOf(PreferredInstructionSet())};
     return kTexts;
 }
 
@@ -23,7 +22,7 @@ MAVREL_PLUGIN_EXPORT std::uint32_t ETC1Compress(const void* source, void* destin
 {
     try {
         return Etc1::Compress(source, destination, width, height,
-                              {Plugin::QualityOf(flags), (flags & MavrelDithering) != 0});
+                              {Plugin::QualityOf(flags), Plugin::DitheringOf(flags)});
     } catch (const std::bad_alloc&) {
         return 0;
     }

@@ -1,13 +1,21 @@
 #pragma once
 
-// The decoding kernel: one row of whole blocks into four rows of pixels. The portable kernel here is the
-// definition; a faster one must give the same bytes for every input.
+// The decoding kernels: one row of whole blocks into four rows of pixels. The portable kernel is the
+// definition; the others give the same bytes for every input.
+
+#include <cstddef>
+#include <cstdint>
 
 #include "plugins/common/BlockLevel.h"
+#include "plugins/common/InstructionSet.h"
 
 namespace Etc1 {
 
-/// The kernel that decodes rows of blocks.
-Plugin::DecodeRowFn DecodeRow();
+/// The kernel of an instruction set that IsSupported() allows.
+Plugin::DecodeRowFn DecodeRowFor(Plugin::InstructionSet set);
+
+void DecodeRow_Portable(const std::uint8_t* blocks, std::size_t count, std::uint8_t* out, std::size_t stride);
+void DecodeRow_Sse41(const std::uint8_t* blocks, std::size_t count, std::uint8_t* out, std::size_t stride);
+void DecodeRow_Avx2(const std::uint8_t* blocks, std::size_t count, std::uint8_t* out, std::size_t stride);
 
 }  // namespace Etc1

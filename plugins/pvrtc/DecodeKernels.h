@@ -1,9 +1,10 @@
 #pragma once
 
 // The kernel of the decoder: one row of pixels, two at a time, each with colour A and B in eight lanes.
-// Included once by the kernels of every instruction set, after CellKernels.h.
+// Included once by the kernels of every instruction set, after its lanes.
 
 #include "plugins/pvrtc/FitKernels.h"
+#include "plugins/pvrtc/PixelKernels.h"
 
 namespace {
 

@@ -25,7 +25,7 @@ MAVREL_PLUGIN_EXPORT std::uint32_t PVRTCCompress(const void* source, void* desti
     // The mode is 4 or 2, and so are the bits per pixel.
     options.bitsPerPixel = mode;
     options.alpha = (flags & MavrelAlpha) != 0;
-    options.dithering = (flags & MavrelDithering) != 0;
+    options.dithering = Plugin::DitheringOf(flags);
     options.quality = Plugin::QualityOf(flags);
     try {
         return Pvrtc::PvrtcEncode(static_cast<const std::uint8_t*>(source),

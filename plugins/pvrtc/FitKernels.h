@@ -16,6 +16,18 @@ inline constexpr std::size_t kLanes = 16;
 /// Elements before and behind every line; the first ones repeat the other end, because a level wraps.
 inline constexpr std::size_t kLinePad = 16;
 
+/// What a pixel's colour counts in LevelView::colorCounts: in full, only a little because nobody sees it, or
+/// 0 for padding.
+inline constexpr std::uint8_t kVisible = 255;
+inline constexpr std::uint8_t kHidden = 1;
+
+/// How weights are found for the normal equations and for the final codes.
+enum class Choosing : std::uint8_t {
+    ByProjection,  ///< the nearest point of the line between the endpoints
+    ByTrying,      ///< all values that can be had, exactly; the only way that knows blocks that punch through
+    Stored         ///< with 2 bits per pixel: those of the view
+};
+
 /// How a block with 2 bits per pixel stores its weights.
 struct TwoBitMode {
     static constexpr std::int16_t kPlain = 0;
@@ -42,13 +54,14 @@ struct LevelView {
     bool masked;               ///< some pixels do not count; always so with alpha
 
     std::uint8_t* target;             ///< [tile][channel][pixel][lane]
-    const std::uint8_t* colorCounts;  ///< [tile][pixel][lane], 255 or 0; null unless masked
-    const std::uint8_t* alphaCounts;  ///< likewise; null without alpha
+    const std::uint8_t* colorCounts;  ///< [tile][pixel][lane], kVisible, kHidden or 0; null unless masked
+    const std::uint8_t* alphaCounts;  ///< likewise, kVisible or 0; null without alpha
     std::int16_t* weights;            ///< [row][column & 15][element], 0 to 8; with 2 bits per pixel only
-    std::uint8_t* codes;              ///< [tile][row of the cell][lane], four codes in a byte; 4 bits only
+    std::uint8_t* codes;              ///< [line][row of the cell][element], four codes in a byte; 4 bits only
+    std::int16_t* words;              ///< [line][quarter of the word][element]: the blocks as they are stored
 
-    std::int16_t* wanted;   ///< likewise: the best weight of each pixel by itself, in quarters
-    std::int16_t* lengths;  ///< likewise: how much a pixel's weight matters
+    std::int16_t* wanted;   ///< as weights: the best weight of each pixel by itself, in quarters
+    std::int16_t* lengths;  ///< as weights: how much a pixel's weight matters
     std::int16_t* modes;    ///< [line][element], TwoBitMode; with 2 bits only
 
     std::int16_t* endpoints;  ///< [line][endpoint channel 0 to 7][element], as EndpointPair
@@ -96,10 +109,9 @@ struct FitKernels {
     void (*seedRows)(const LevelView& view, std::uint32_t first, std::uint32_t end, std::int32_t* scratch);
     /// With 4 bits and alpha only: decides which blocks of some rows punch through.
     void (*punchRows)(const LevelView& view, std::uint32_t first, std::uint32_t end, std::int32_t* scratch);
-    /// Chooses the best weights for the endpoints (with 2 bits per pixel, takes those of the view), and sets
-    /// up the normal equations of some rows of blocks.
+    /// Chooses weights for the endpoints and sets up the normal equations of some rows of blocks.
     void (*sumRows)(const LevelView& view, std::uint32_t first, std::uint32_t end, std::int32_t* scratch,
-                    Begin begin);
+                    Begin begin, Choosing how);
     /// Solves the blocks of a row once. Reads the changes of the rows above and below.
     void (*solveRow)(const LevelView& view, std::uint32_t row);
     /// Moves the endpoints of some rows by their changes, which become 0.
@@ -112,7 +124,13 @@ struct FitKernels {
     /// With 2 bits only: computes the weights that some rows do not store.
     void (*fillRows)(const LevelView& view, std::uint32_t first, std::uint32_t end);
     /// With 4 bits only: chooses the final weights of some rows of cells and writes their codes.
-    void (*codeRows)(const LevelView& view, std::uint32_t first, std::uint32_t end);
+    void (*codeRows)(const LevelView& view, std::uint32_t first, std::uint32_t end, Choosing how);
+    /// With 4 bits only: tries the neighbouring values of every endpoint of a row of blocks and keeps what
+    /// gives the least exact error over all pixels that it reaches, with their weights chosen anew. Reads the
+    /// rows above and below.
+    void (*polishRow)(const LevelView& view, std::uint32_t row);
+    /// Makes the words of a row of blocks from endpoints, modes, and codes or weights.
+    void (*packRow)(const LevelView& view, std::uint32_t row);
     /// Decodes columns * blockWidth pixels, R G B A.
     void (*decodeRow)(const DecodedRow& row, std::uint8_t* out);
 };

@@ -1,15 +1,37 @@
 #include "plugins/pvrtc/FitLevel.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace Pvrtc {
 namespace {
-constexpr std::uint8_t kCounts = 255;
+constexpr std::size_t kAlignment = 64;
+
+// Hands out parts of one piece of memory. Without any, it only counts what is needed.
+class CMemory {
+public:
+    explicit CMemory(std::byte* start) : m_pStart(start) {}
+
+    template <typename Element>
+    void Take(Element*& out, std::size_t count)
+    {
+        out = m_pStart == nullptr ? nullptr : reinterpret_cast<Element*>(m_pStart + m_nTaken);
+        m_nTaken += (count * sizeof(Element) + kAlignment - 1) / kAlignment * kAlignment;
+    }
+
+    std::size_t Taken() const { return m_nTaken; }
+
+private:
+    std::byte* m_pStart;
+    std::size_t m_nTaken = 0;
+};
 }  // namespace
 
-CFitLevel::CFitLevel(const BlockGrid& grid, const std::uint8_t* pixels, bool hasAlpha,
-                     const FitKernels& kernels)
-    : m_oGrid(grid), m_bHasAlpha(hasAlpha)
+CFitLevel::CFitLevel(const BlockGrid& grid, const std::uint8_t* pixels, bool hasAlpha)
+    : m_oGrid(grid),
+      m_pPixels(pixels),
+      m_bHasAlpha(hasAlpha),
+      m_bPadded(grid.PaddedWidth() != grid.width || grid.PaddedHeight() != grid.height)
 {
     m_oView.blockWidth = grid.blockWidth;
     m_oView.channels = hasAlpha ? 4 : 3;
@@ -17,55 +39,55 @@ CFitLevel::CFitLevel(const BlockGrid& grid, const std::uint8_t* pixels, bool has
     m_oView.pairs = grid.columns / 2;
     m_oView.tiles = (m_oView.pairs + kLanes - 1) / kLanes;
     m_oView.stride = m_oView.tiles * kLanes + 2 * kLinePad;
-    const bool padded = grid.PaddedWidth() != grid.width || grid.PaddedHeight() != grid.height;
-    m_oView.masked = hasAlpha || padded;
-
-    const std::size_t pixelCount = std::size_t{grid.rows} * 2 * m_oView.tiles * kLanes * grid.BlockPixels();
-    const std::size_t elements = std::size_t{grid.rows} * 2 * m_oView.stride;
-    m_aTarget.resize(pixelCount * m_oView.channels);
-    if (m_oView.masked)
-        m_aColorCounts.resize(pixelCount);
-    if (hasAlpha) {
-        m_aAlphaCounts.resize(pixelCount);
-        m_aPunched.resize(elements);
-        m_aAlphaMatrix.resize(elements * kMatrixTerms);
-    }
-    if (grid.blockWidth == 4) {
-        m_aCodes.resize(pixelCount / 4);
-    } else {
-        m_aWeights.resize(elements * 32);
-        m_aWanted.resize(elements * 32);
-        m_aLengths.resize(elements * 32);
-        m_aModes.resize(elements, TwoBitMode::kBoth);
-    }
-    m_aEndpoints.resize(elements * 8);
-    m_aChanges.resize(elements * 8);
-    m_aMissing.resize(elements * 8);
-    m_aMatrix.resize(elements * kMatrixTerms);
-    MakeView();
-    Load(pixels, kernels);
-    LoadMasks();
+    m_oView.masked = hasAlpha || m_bPadded;
+    TakeMemory();
 }
 
-void CFitLevel::MakeView()
+// One piece, because an allocator that gets it back whole keeps it for the next level.
+void CFitLevel::TakeMemory()
 {
-    m_oView.target = m_aTarget.data();
-    m_oView.colorCounts = m_oView.masked ? m_aColorCounts.data() : nullptr;
-    m_oView.alphaCounts = m_bHasAlpha ? m_aAlphaCounts.data() : nullptr;
-    m_oView.weights = m_aWeights.data();
-    m_oView.codes = m_aCodes.data();
-    m_oView.wanted = m_aWanted.data();
-    m_oView.lengths = m_aLengths.data();
-    m_oView.modes = m_aModes.data();
-    m_oView.endpoints = m_aEndpoints.data();
-    m_oView.punched = m_bHasAlpha ? m_aPunched.data() : nullptr;
-    m_oView.changes = m_aChanges.data();
-    m_oView.missing = m_aMissing.data();
-    m_oView.matrix = m_aMatrix.data();
-    m_oView.alphaMatrix = m_bHasAlpha ? m_aAlphaMatrix.data() : nullptr;
+    const std::size_t pixelCount =
+        std::size_t{m_oGrid.rows} * 2 * m_oView.tiles * kLanes * m_oGrid.BlockPixels();
+    const std::size_t elements = std::size_t{m_oGrid.rows} * 2 * m_oView.stride;
+    const bool fourBits = m_oGrid.blockWidth == 4;
+    const std::size_t twoBitElements = fourBits ? 0 : elements * 32;
+    const std::size_t alphaElements = m_bHasAlpha ? elements : 0;
+    const auto takeAll = [&](CMemory memory) {
+        memory.Take(m_oView.changes, elements * 8);
+        memory.Take(m_oView.target, pixelCount * m_oView.channels);
+        memory.Take(m_pColorCounts, m_oView.masked ? pixelCount : 0);
+        memory.Take(m_pAlphaCounts, m_bHasAlpha ? pixelCount : 0);
+        memory.Take(m_oView.weights, twoBitElements);
+        memory.Take(m_oView.wanted, twoBitElements);
+        memory.Take(m_oView.lengths, twoBitElements);
+        memory.Take(m_oView.modes, fourBits ? 0 : elements);
+        memory.Take(m_oView.codes, fourBits ? elements * 4 : 0);
+        memory.Take(m_oView.words, elements * 4);
+        memory.Take(m_oView.endpoints, elements * 8);
+        memory.Take(m_oView.missing, elements * 8);
+        memory.Take(m_oView.matrix, elements * kMatrixTerms);
+        memory.Take(m_oView.punched, alphaElements);
+        memory.Take(m_oView.alphaMatrix, alphaElements * kMatrixTerms);
+        return memory.Taken();
+    };
+    const std::size_t bytes = takeAll(CMemory(nullptr));
+    m_pMemory = std::make_unique_for_overwrite<std::byte[]>(bytes);
+    takeAll(CMemory(m_pMemory.get()));
+    // Where lines do not fill their vectors, kernels compute with what lies behind them, to no effect.
+    if (m_oView.pairs < kLanes || m_bPadded)
+        std::fill_n(m_pMemory.get(), bytes, std::byte{0});
+    std::fill_n(m_oView.changes, elements * 8, 0.0F);
+    std::fill_n(m_oView.modes, fourBits ? 0 : elements, TwoBitMode::kBoth);
+    std::fill_n(m_oView.punched, alphaElements, std::int16_t{0});
+    m_oView.colorCounts = m_oView.masked ? m_pColorCounts : nullptr;
+    m_oView.alphaCounts = m_bHasAlpha ? m_pAlphaCounts : nullptr;
+    if (!m_bHasAlpha)
+        m_oView.punched = nullptr;
+    if (!m_bHasAlpha)
+        m_oView.alphaMatrix = nullptr;
 }
 
-void CFitLevel::Load(const std::uint8_t* pixels, const FitKernels& kernels)
+void CFitLevel::Load(std::uint32_t first, std::uint32_t end, const FitKernels& kernels)
 {
     // The line from the first pixel of the first cell on; behind its end it goes on at the beginning.
     const std::size_t width = m_oGrid.PaddedWidth();
@@ -73,135 +95,76 @@ void CFitLevel::Load(const std::uint8_t* pixels, const FitKernels& kernels)
     const std::size_t shift = m_oGrid.blockWidth / 2;
     const std::size_t before = std::min<std::size_t>(shift, m_oGrid.width);
     const std::size_t after = m_oGrid.width - before;
-    for (std::uint32_t y = 0; y < m_oGrid.PaddedHeight(); ++y) {
-        const std::size_t from = (y + kBlockHeight / 2) & (m_oGrid.PaddedHeight() - 1);
-        if (from >= m_oGrid.height)
-            continue;
-        const std::uint8_t* const source = pixels + from * m_oGrid.width * kPixelBytes;
-        std::copy_n(source + before * kPixelBytes, after * kPixelBytes, line.data());
-        std::copy_n(source, before * kPixelBytes, line.data() + (width - shift) * kPixelBytes);
-        kernels.spreadLine(m_oView, line.data(), y / kBlockHeight, y % kBlockHeight);
+    for (std::uint32_t row = first; row < end; ++row) {
+        for (std::uint32_t y = 0; y < kBlockHeight; ++y) {
+            const std::size_t from =
+                (std::size_t{row} * kBlockHeight + y + kBlockHeight / 2) & (m_oGrid.PaddedHeight() - 1);
+            if (from >= m_oGrid.height)
+                continue;
+            const std::uint8_t* const source = m_pPixels + from * m_oGrid.width * kPixelBytes;
+            std::copy_n(source + before * kPixelBytes, after * kPixelBytes, line.data());
+            std::copy_n(source, before * kPixelBytes, line.data() + (width - shift) * kPixelBytes);
+            kernels.spreadLine(m_oView, line.data(), row, y);
+        }
+        if (m_oView.masked)
+            LoadMasks(row);
     }
 }
 
-// Element of the masks that belongs to a pixel of the padded level.
-std::size_t CFitLevel::MaskAt(std::size_t x, std::size_t y) const
+// What counts in a row of cells.
+void CFitLevel::LoadMasks(std::uint32_t row)
 {
-    const std::size_t cellX = (x - m_oGrid.blockWidth / 2) & (m_oGrid.PaddedWidth() - 1);
-    const std::size_t cellY = (y - kBlockHeight / 2) & (m_oGrid.PaddedHeight() - 1);
-    const std::size_t column = cellX / m_oGrid.blockWidth;
-    const std::size_t pair = column / 2;
-    const std::size_t tile = m_oView.Tile(cellY / kBlockHeight, column & 1, pair / kLanes);
-    const std::size_t pixel = cellY % kBlockHeight * m_oGrid.blockWidth + cellX % m_oGrid.blockWidth;
-    return (tile * m_oView.TilePixels() + pixel) * kLanes + pair % kLanes;
-}
-
-void CFitLevel::LoadMasks()
-{
-    if (!m_oView.masked)
-        return;
-    if (m_oGrid.PaddedWidth() == m_oGrid.width && m_oGrid.PaddedHeight() == m_oGrid.height) {
-        std::fill(m_aAlphaCounts.begin(), m_aAlphaCounts.end(), kCounts);
+    const std::size_t plane = m_oView.TilePixels() * kLanes;
+    const std::size_t start = m_oView.Tile(row, 0, 0) * plane;
+    const std::size_t count = m_oView.tiles * 2 * plane;
+    std::uint8_t* const inside = m_bHasAlpha ? m_pAlphaCounts : m_pColorCounts;
+    if (!m_bPadded) {
+        std::fill_n(inside + start, count, kVisible);
     } else {
-        std::vector<std::uint8_t>& inside = m_bHasAlpha ? m_aAlphaCounts : m_aColorCounts;
-        for (std::size_t y = 0; y < m_oGrid.height; ++y)
-            for (std::size_t x = 0; x < m_oGrid.width; ++x)
-                inside[MaskAt(x, y)] = kCounts;
+        const std::size_t shift = m_oGrid.blockWidth / 2;
+        for (std::size_t i = 0; i < m_oGrid.PaddedWidth() * kBlockHeight; ++i) {
+            const std::size_t cellX = i % m_oGrid.PaddedWidth();
+            const std::size_t cellY = i / m_oGrid.PaddedWidth();
+            const std::size_t x = (cellX + shift) & (m_oGrid.PaddedWidth() - 1);
+            const std::size_t y =
+                (row * kBlockHeight + cellY + kBlockHeight / 2) & (m_oGrid.PaddedHeight() - 1);
+            const std::size_t column = cellX / m_oGrid.blockWidth;
+            const std::size_t pixel = cellY * m_oGrid.blockWidth + cellX % m_oGrid.blockWidth;
+            const std::size_t tile = m_oView.Tile(row, column & 1, column / 2 / kLanes);
+            inside[tile * plane + pixel * kLanes + column / 2 % kLanes] =
+                x < m_oGrid.width && y < m_oGrid.height ? kVisible : std::uint8_t{0};
+        }
     }
     if (!m_bHasAlpha)
         return;
-    const std::size_t plane = m_oView.TilePixels() * kLanes;
-    for (std::size_t tile = 0; tile * plane < m_aColorCounts.size(); ++tile) {
-        const std::uint8_t* const alpha = m_aTarget.data() + (tile * 4 + 3) * plane;
+    for (std::size_t at = start; at < start + count; at += plane) {
+        const std::uint8_t* const alpha = m_oView.target + at * 4 + 3 * plane;
         for (std::size_t i = 0; i < plane; ++i)
-            m_aColorCounts[tile * plane + i] =
-                alpha[i] != 0 ? m_aAlphaCounts[tile * plane + i] : std::uint8_t{0};
+            m_pColorCounts[at + i] =
+                static_cast<std::uint8_t>((alpha[i] != 0 ? kVisible : kHidden) & inside[at + i]);
     }
 }
 
-EndpointPair CFitLevel::EndpointsOf(std::uint32_t column, std::uint32_t row) const
+void CFitLevel::Write(std::uint32_t first, std::uint32_t end, std::uint8_t* destination) const
 {
-    const std::size_t line = m_oView.Line(row, column & 1) * 8;
-    EndpointPair pair{};
-    for (std::size_t e = 0; e < pair.size(); ++e)
-        pair[e] = m_aEndpoints[(line + e) * m_oView.stride + kLinePad + column / 2];
-    if (!m_bHasAlpha) {
-        pair[3] = 15;
-        pair[7] = 15;
-    }
-    return pair;
-}
-
-bool CFitLevel::IsPunched(std::uint32_t column, std::uint32_t row) const
-{
-    return m_bHasAlpha &&
-           m_aPunched[m_oView.Line(row, column & 1) * m_oView.stride + kLinePad + column / 2] != 0;
-}
-
-std::uint32_t CFitLevel::CodesOf(std::uint32_t column, std::uint32_t row) const
-{
-    const auto cell = [&](std::uint32_t cellColumn, std::uint32_t cellRow) {
-        const std::size_t pair = cellColumn / 2;
-        return m_aCodes.data() + m_oView.Tile(cellRow, cellColumn & 1, pair / kLanes) * 4 * kLanes +
-               pair % kLanes;
-    };
-    const std::uint32_t left = (column - 1) & (m_oGrid.columns - 1);
-    const std::uint32_t above = (row - 1) & (m_oGrid.rows - 1);
-    const std::uint8_t* const cells[2][2] = {{cell(left, above), cell(column, above)},
-                                             {cell(left, row), cell(column, row)}};
-    std::uint32_t bits = 0;
-    for (unsigned y = 0; y < 4; ++y) {
-        // The upper half of a block is the lower half of the cells above its middle.
-        const std::size_t line = ((y + 2) & 3) * kLanes;
-        const std::uint32_t byte =
-            static_cast<std::uint32_t>(cells[y / 2][0][line]) >> 4 | (cells[y / 2][1][line] & 15U) << 4;
-        bits |= byte << (8 * y);
-    }
-    return bits;
-}
-
-BlockWord CFitLevel::TwoBitWordOf(std::uint32_t column, std::uint32_t row) const
-{
-    const std::size_t element = kLinePad + column / 2;
-    const std::int16_t mode = m_aModes[m_oView.Line(row, column & 1) * m_oView.stride + element];
-    const auto weightAt = [&](std::size_t x, std::size_t y) {
-        const std::size_t phase = std::size_t{column & 1} * 8 + x;
-        return m_aWeights[m_oView.PixelLine(std::size_t{row} * 4 + y, phase) + element];
-    };
-    BlockWord word{};
-    if (mode == TwoBitMode::kPlain) {
-        for (unsigned i = 0; i < 32; ++i)
-            word.modulation |= (weightAt(i % 8, i / 8) >= 4 ? 1U : 0U) << i;
-        return word;
-    }
-    unsigned shift = 0;
-    for (std::size_t y = 0; y < 4; ++y) {
-        for (std::size_t x = y & 1; x < 8; x += 2, shift += 2) {
-            const int weight = weightAt(x, y);
-            const auto code = static_cast<std::uint32_t>((weight >= 3) + (weight >= 5) + (weight >= 8));
-            word.modulation |= code << shift;
+    // The bits of the row and of the column do not mix in the place of a block.
+    std::vector<std::size_t> places(m_oGrid.columns);
+    for (std::uint32_t column = 0; column < m_oGrid.columns; ++column)
+        places[column] = StoredIndex(m_oGrid, column, 0) * kBlockBytes;
+    for (std::uint32_t row = first; row < end; ++row) {
+        std::uint8_t* const start = destination + StoredIndex(m_oGrid, 0, row) * kBlockBytes;
+        for (std::uint32_t column = 0; column < m_oGrid.columns; ++column) {
+            const std::int16_t* const words =
+                m_oView.words + m_oView.Line(row, column & 1) * 4 * m_oView.stride + kLinePad + column / 2;
+            const auto pair = [&](std::size_t low) {
+                const auto half = [&](std::size_t i) {
+                    return std::uint32_t{static_cast<std::uint16_t>(words[i * m_oView.stride])};
+                };
+                return half(low) | half(low + 1) << 16;
+            };
+            WriteBlock(start + places[column], {pair(0), pair(2)});
         }
     }
-    // The lower bits of two pixels, which have one bit only, tell the mode.
-    constexpr std::uint32_t kOneWay = 1;
-    constexpr std::uint32_t kVertical = 1U << 20;
-    word.modulation &= ~kOneWay;
-    if (mode != TwoBitMode::kBoth)
-        word.modulation =
-            (word.modulation & ~kVertical) | kOneWay | (mode == TwoBitMode::kVertical ? kVertical : 0);
-    word.colors = 1;
-    return word;
-}
-
-BlockWord CFitLevel::WordOf(std::uint32_t column, std::uint32_t row) const
-{
-    BlockWord word{};
-    if (m_oGrid.blockWidth == 4)
-        word = {CodesOf(column, row), IsPunched(column, row) ? 1U : 0U};
-    else
-        word = TwoBitWordOf(column, row);
-    word.colors |= PackEndpoints(EndpointsOf(column, row));
-    return word;
 }
 
 }  // namespace Pvrtc

@@ -145,6 +145,21 @@ inline CShorts Ratio(CInts a, CInts b, float scale, float low, float high)
                                RatioOf(a.high, b.high, scale, low, high))};
 }
 
+inline CShorts AddSaturated(CShorts a, CShorts b)
+{
+    return {_mm256_adds_epu16(a.v, b.v)};
+}
+inline CShorts SmallerUnsigned(CShorts a, CShorts b)
+{
+    return {_mm256_min_epu16(a.v, b.v)};
+}
+inline CInts AddUnsigned(CInts sum, CShorts a)
+{
+    const __m256i zero = _mm256_setzero_si256();
+    return {_mm256_add_epi32(sum.low, _mm256_unpacklo_epi16(a.v, zero)),
+            _mm256_add_epi32(sum.high, _mm256_unpackhi_epi16(a.v, zero))};
+}
+
 struct CFloats {
     __m256 v;
 

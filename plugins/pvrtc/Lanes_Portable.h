@@ -217,6 +217,29 @@ inline CShorts Ratio(CInts a, CInts b, float scale, float low, float high)
     return r;
 }
 
+/// Of lanes without a sign, 65535 where the sum does not fit.
+inline CShorts AddSaturated(CShorts a, CShorts b)
+{
+    return EachShort(a, b, [](int x, int y) {
+        const int sum = (x & 0xFFFF) + (y & 0xFFFF);
+        return sum < 0xFFFF ? sum : 0xFFFF;
+    });
+}
+/// Of lanes without a sign.
+inline CShorts SmallerUnsigned(CShorts a, CShorts b)
+{
+    return EachShort(a, b, [](int x, int y) { return (x & 0xFFFF) < (y & 0xFFFF) ? x : y; });
+}
+/// Adds lanes without a sign.
+inline CInts AddUnsigned(CInts sum, CShorts a)
+{
+    CInts r;
+    for (int i = 0; i < 16; ++i)
+        r.v[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(sum.v[i]) +
+                                           static_cast<std::uint16_t>(a.v[i]));
+    return r;
+}
+
 struct CFloats {
     float v[8];
 

@@ -165,6 +165,23 @@ inline CShorts Ratio(CInts a, CInts b, float scale, float low, float high)
                         RatioOf(a.v[3], b.v[3], scale, low, high))};
 }
 
+inline CShorts AddSaturated(CShorts a, CShorts b)
+{
+    return {_mm_adds_epu16(a.low, b.low), _mm_adds_epu16(a.high, b.high)};
+}
+inline CShorts SmallerUnsigned(CShorts a, CShorts b)
+{
+    return {_mm_min_epu16(a.low, b.low), _mm_min_epu16(a.high, b.high)};
+}
+inline CInts AddUnsigned(CInts sum, CShorts a)
+{
+    const __m128i zero = _mm_setzero_si128();
+    return {{_mm_add_epi32(sum.v[0], _mm_unpacklo_epi16(a.low, zero)),
+             _mm_add_epi32(sum.v[1], _mm_unpackhi_epi16(a.low, zero)),
+             _mm_add_epi32(sum.v[2], _mm_unpacklo_epi16(a.high, zero)),
+             _mm_add_epi32(sum.v[3], _mm_unpackhi_epi16(a.high, zero))}};
+}
+
 struct CFloats {
     __m128 low;
     __m128 high;

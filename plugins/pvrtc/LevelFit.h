@@ -14,10 +14,11 @@ namespace Pvrtc {
 /// How much is done.
 struct FitEffort {
     int rounds;  ///< of weights and endpoints in turn, at least 1
-    int sweeps;  ///< over the endpoints in each round, at least 1
-    /// With 2 bits per pixel: the first round takes each pixel's own best weight, whether it can be stored or
-    /// not.
-    bool roughStart = false;
+    /// With 4 bits per pixel: passes over the endpoints that try neighbouring values with all weights chosen
+    /// anew.
+    int polishes = 0;
+    /// The final weights are chosen as in the rounds, not by trying.
+    bool quickCodes = false;
 };
 
 class CLevelFit {
@@ -25,17 +26,21 @@ public:
     /// Throws std::bad_alloc.
     CLevelFit(CFitLevel& level, const FitKernels& kernels, Plugin::CRowTeam& team);
 
-    /// From the first guess to the final weights. Gives the same with any number of threads.
-    void Run(const FitEffort& effort);
+    /// From the pixels to the words at `destination`. Gives the same with any number of threads.
+    void Run(const FitEffort& effort, std::uint8_t* destination);
 
 private:
-    void ChooseWeights(Begin begin);
-    void WantTwoBitWeights(Begin begin);
+    void Seed();
+    void RunFourBits(const FitEffort& effort);
+    void RunTwoBits(const FitEffort& effort);
+    void PunchThrough();
     void ChooseTwoBitWeights(Begin begin);
+    void SolveRound(Choosing how);
     void EveryOtherRow(void (*kernel)(const LevelView& view, std::uint32_t row));
-    void SumAndSweep();
+    void SumAndSweep(Choosing how);
     void Sweep();
 
+    CFitLevel& m_rLevel;
     const LevelView& m_rView;
     const FitKernels& m_rKernels;
     Plugin::CRowTeam& m_rTeam;

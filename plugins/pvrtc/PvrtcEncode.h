@@ -16,7 +16,7 @@ struct EncodeOptions {
     std::uint32_t bitsPerPixel = 4;
     /// Without it, every pixel counts as opaque.
     bool alpha = false;
-    bool dithering = false;
+    Plugin::Dithering dithering = Plugin::Dithering::None;
     Plugin::Quality quality = Plugin::Quality::Normal;
     /// 0: as many as are worth their while.
     unsigned threads = 0;

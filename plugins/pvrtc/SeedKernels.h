@@ -1,10 +1,11 @@
 #pragma once
 
 // The first guess of the endpoints: the colours of a block are taken as a line, and the endpoints are put on
-// it, one to each side of the mean. Included once by the kernels of every instruction set, after
-// SolveKernels.h.
+// it, one to each side of the mean. Included once by the kernels of every instruction set, after its lanes.
 
 #include "plugins/pvrtc/FitKernels.h"
+#include "plugins/pvrtc/SolveKernels.h"
+#include "plugins/pvrtc/SumKernels.h"
 
 namespace {
 
@@ -18,6 +19,8 @@ constexpr float kLeastSpread = 5.0F;
 // From here on the opaque form, alpha 255, is nearer than the largest translucent alpha, 238.
 constexpr float kOpaqueFrom = 246.5F;
 constexpr int kAxisSteps = 3;
+// What a visible colour counts where others count less.
+constexpr int kColorCount = 16;
 
 // Sums over the quarter of a block that lies in one cell: each channel, each product of two, and how many
 // pixels count.
@@ -54,25 +57,25 @@ inline void SeedTile(const LevelView& view, const TileAt& at, const SumLines& li
         for (int pair = 0; pair < Width / 2; ++pair) {
             const auto pixel = static_cast<std::size_t>(PairStart<Width>(corner, pair));
             CShorts values[4][2];
+            CShorts counted[4][2];
             CShorts counts[2][2] = {{one, one}, {one, one}};
             for (std::size_t i = 0; i < 2; ++i) {
                 if constexpr (Masked) {
-                    counts[0][i] = MaskOf(view.colorCounts + (tile * kPixels + pixel + i) * kLanes) & one;
-                    if constexpr (Channels == 4)
-                        counts[1][i] = MaskOf(view.alphaCounts + (tile * kPixels + pixel + i) * kLanes) & one;
+                    const PixelMasks masks = MasksOf<Width, Channels, Masked>(view, tile, pixel + i);
+                    counts[0][i] = Lessened<kHiddenShift>(masks, CShorts::All(kColorCount));
+                    counts[1][i] = masks.alpha & one;
                 }
                 for (std::size_t c = 0; c < Channels; ++c) {
                     values[c][i] = CShorts::LoadBytes(target + (c * kPixels + pixel + i) * kLanes);
-                    if constexpr (Masked)
-                        values[c][i] = values[c][i] * counts[c == 3 ? 1 : 0][i];
+                    counted[c][i] = Masked ? values[c][i] * counts[c == 3 ? 1 : 0][i] : values[c][i];
                 }
             }
             int product = Layout::kProducts;
             for (int c = 0; c < Channels; ++c) {
-                sums[c] = sums[c] + Products(values[c][0], one, values[c][1], one);
+                sums[c] = sums[c] + Products(counted[c][0], one, counted[c][1], one);
                 for (int d = c; d < Channels; ++d, ++product)
                     sums[product] =
-                        sums[product] + Products(values[c][0], values[d][0], values[c][1], values[d][1]);
+                        sums[product] + Products(counted[c][0], values[d][0], counted[c][1], values[d][1]);
             }
             sums[Layout::kCounts] = sums[Layout::kCounts] + Products(counts[0][0], one, counts[0][1], one);
             sums[Layout::kCounts + 1] =
@@ -89,7 +92,7 @@ struct Statistics {
     CFloats covariance[4][4];
 };
 
-template <int Width, int Channels>
+template <int Width, int Channels, bool Masked>
 inline Statistics<Channels> StatisticsOf(const SumLines& above, const SumLines& here, const OwnAndLeft& cells)
 {
     using Layout = SeedLayout<Channels>;
@@ -99,21 +102,24 @@ inline Statistics<Channels> StatisticsOf(const SumLines& above, const SumLines& 
                LeftSum(above, 3 * kPer + i, cells);
     };
     const CFloats one = CFloats::All(1);
-    const CFloats colors = one / Larger(sum(Layout::kCounts), one);
+    // Colours are summed kColorCount times where some count less.
+    const CFloats unit = CFloats::All(Masked ? 1.0F / kColorCount : 1.0F);
+    const CFloats colors = one / Larger(sum(Layout::kCounts) * unit, unit);
     const CFloats alphas = one / Larger(sum(Layout::kCounts + 1), one);
     const CFloats overAll = CFloats::All(1.0F / (Width * 4));
     Statistics<Channels> result;
     CFloats sums[4];
     for (int c = 0; c < Channels; ++c) {
-        sums[c] = sum(c);
+        sums[c] = c == 3 ? sum(c) : sum(c) * unit;
         result.mean[c] = sums[c] * (c == 3 ? alphas : colors);
     }
     int product = Layout::kProducts;
     for (int c = 0; c < Channels; ++c) {
         for (int d = c; d < Channels; ++d, ++product) {
-            // Where a colour does not count its alpha is 0, so the sum over all alphas is that over those
-            // whose colours count.
-            const CFloats covariance = (sum(product) - result.mean[c] * sums[d]) * overAll;
+            // Where a colour counts less its alpha is 0, so the sum over all alphas is that over those whose
+            // colours count in full.
+            const CFloats together = c == 3 ? sum(product) : sum(product) * unit;
+            const CFloats covariance = (together - result.mean[c] * sums[d]) * overAll;
             result.covariance[c][d] = covariance;
             result.covariance[d][c] = covariance;
         }
@@ -217,14 +223,14 @@ inline void StoreSeed(const CFloats* color, std::int16_t* out, std::size_t strid
     alpha.StoreShorts(out + 3 * stride);
 }
 
-template <int Width, int Channels>
+template <int Width, int Channels, bool Masked>
 inline void SeedBlockRow(const LevelView& view, std::size_t row, const SumLines& above, const SumLines& here)
 {
     for (std::size_t parity = 0; parity < 2; ++parity) {
         const std::size_t start = view.Line(row, parity) * 8 * view.stride + kLinePad;
         for (std::size_t element = 0; element < view.pairs; element += 8) {
             const Statistics<Channels> statistics =
-                StatisticsOf<Width, Channels>(above, here, CellsOf(parity, element));
+                StatisticsOf<Width, Channels, Masked>(above, here, CellsOf(parity, element));
             CFloats axis[4];
             AxisOf<Channels>(statistics, axis);
             SpreadAtLeast<Channels>(axis);
@@ -260,7 +266,7 @@ inline void SeedRowsAs(const LevelView& view, std::uint32_t first, std::uint32_t
     SeedCellRow<Width, Channels, Masked>(view, (first + view.rows - 1) & (view.rows - 1), above);
     for (std::uint32_t row = first; row < end; ++row) {
         SeedCellRow<Width, Channels, Masked>(view, row, here);
-        SeedBlockRow<Width, Channels>(view, row, above, here);
+        SeedBlockRow<Width, Channels, Masked>(view, row, above, here);
         const SumLines swapped = above;
         above = here;
         here = swapped;

@@ -2,7 +2,6 @@
 
 // Pictures of one colour, which small levels of a mip chain often are: all blocks alike, chosen by trying.
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -10,9 +9,8 @@
 
 namespace Pvrtc {
 
-/// When everything that counts of the pixels (R G B A) has one value, the block that, everywhere the same,
-/// comes nearest to it. Without alpha every pixel counts as opaque.
-std::optional<BlockWord> SolidBlock(const std::uint8_t* pixels, std::size_t count, std::uint32_t bitsPerPixel,
-                                    bool hasAlpha);
+/// When all width * height pixels (R G B A) are the same, the block that, repeated everywhere, comes nearest
+/// to them. Without alpha every pixel counts as opaque.
+std::optional<BlockWord> SolidBlock(const std::uint8_t* pixels, const BlockGrid& grid, bool hasAlpha);
 
 }  // namespace Pvrtc

@@ -2,9 +2,10 @@
 
 // Kernels over blocks: the normal equations are solved block after block on the values that can be stored.
 // Blocks of one line do not touch each other, so eight are solved at a time. Included once by the kernels of
-// every instruction set, after CellKernels.h.
+// every instruction set, after its lanes.
 
 #include "plugins/pvrtc/FitKernels.h"
+#include "plugins/pvrtc/PixelKernels.h"
 
 namespace {
 
@@ -108,9 +109,10 @@ inline void Consider(const BlockSystem& system, const ChannelState& state, CFloa
     best.error = Smaller(error, best.error);
 }
 
-// One endpoint is set to a value on either side of its optimum, the other to its best answer.
-template <Values KindA, Values KindB>
-inline ChannelAnswer SolveChannel(const BlockSystem& system, const ChannelState& state)
+// Endpoint A is set to the values on either side of its optimum, B to its best answer.
+// Thorough: also the other way round.
+template <Values KindA, Values KindB, bool Thorough>
+[[gnu::always_inline]] inline ChannelAnswer SolveChannel(const BlockSystem& system, const ChannelState& state)
 {
     const CFloats optimumA =
         state.currentA + (state.missingA * system.bb - state.missingB * system.ab) * system.overDeterminant;
@@ -133,7 +135,7 @@ inline ChannelAnswer SolveChannel(const BlockSystem& system, const ChannelState&
         const CFloats secondA = ValueAt<KindA>(belowA + one);
         Consider(system, state, secondA, answerB(secondA), best);
     }
-    if constexpr (KindB != Values::Opaque) {
+    if constexpr (KindB != Values::Opaque && (Thorough || KindA == Values::Opaque)) {
         const CFloats belowB = IndexBelow<KindB>(optimumB);
         const CFloats thirdB = ValueAt<KindB>(belowB);
         Consider(system, state, answerA(thirdB), thirdB, best);
@@ -156,12 +158,14 @@ inline BlockAnswer SolveForms(const BlockSystem* systems, const ChannelState* st
     constexpr Values kB = OpaqueB ? Values::Five : Values::Four;
     constexpr Values kAlphaA = OpaqueA ? Values::Opaque : Values::Alpha;
     constexpr Values kAlphaB = OpaqueB ? Values::Opaque : Values::Alpha;
+    // Full depth gains nothing by it; coarse values do.
+    constexpr bool kThorough = Channels == 4;
     ChannelAnswer answers[4];
-    answers[0] = SolveChannel<kA, kB>(systems[0], states[0]);
-    answers[1] = SolveChannel<kA, kB>(systems[0], states[1]);
-    answers[2] = SolveChannel<kBlueA, kB>(systems[0], states[2]);
+    answers[0] = SolveChannel<kA, kB, kThorough>(systems[0], states[0]);
+    answers[1] = SolveChannel<kA, kB, kThorough>(systems[0], states[1]);
+    answers[2] = SolveChannel<kBlueA, kB, kThorough>(systems[0], states[2]);
     if constexpr (Channels == 4)
-        answers[3] = SolveChannel<kAlphaA, kAlphaB>(systems[1], states[3]);
+        answers[3] = SolveChannel<kAlphaA, kAlphaB, kThorough>(systems[1], states[3]);
     BlockAnswer block;
     block.error = CFloats::All(0);
     for (int c = 0; c < Channels; ++c) {

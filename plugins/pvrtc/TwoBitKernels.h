@@ -3,9 +3,10 @@
 // Kernels for the weights of 2 bits per pixel. A block either has one bit for every pixel, or stores every
 // second weight and interpolates the rest from its own and its neighbours' stored weights, so weights cannot
 // be chosen pixel by pixel: 16 blocks of a line, which do not touch each other, try all modes at a time.
-// Included once by the kernels of every instruction set, after CellKernels.h.
+// Included once by the kernels of every instruction set, after its lanes.
 
 #include "plugins/pvrtc/FitKernels.h"
+#include "plugins/pvrtc/PixelKernels.h"
 
 namespace {
 using Pvrtc::TwoBitMode;
@@ -42,9 +43,8 @@ inline void WantTile(const LevelView& view, const TileAt& at, bool fresh)
         CShorts off[4] = {CShorts::All(0), CShorts::All(0), CShorts::All(0), CShorts::All(0)};
         CShorts difference[4] = {off[0], off[0], off[0], off[0]};
         for (int c = 0; c < Channels; ++c) {
-            const CShorts mask = c == 3 ? masks.alpha : masks.color;
-            off[c] = colors.target[c] - colors.a[c];
-            difference[c] = Masked ? colors.difference[c] & mask : colors.difference[c];
+            off[c] = ForChoice<Channels, Masked>(masks, c, colors.target[c] - colors.a[c]);
+            difference[c] = ForChoice<Channels, Masked>(masks, c, colors.difference[c]);
         }
         const CInts along = Products(off[0], difference[0], off[1], difference[1]) +
                             Products(off[2], difference[2], off[3], difference[3]);

@@ -1,12 +1,14 @@
 // What the UNC library exports: the plugin interface as a thin layer over Unc.h.
 
+#include <new>
+
 #include "plugins/common/PluginInfo.h"
 #include "plugins/unc/Unc.h"
 
 namespace {
-// Packing cuts bits off and has nothing to search, so there is one level and no dithering to choose from.
+// Packing has nothing to search, so there is one level.
 constexpr Plugin::Texts kTexts{
-    u"Normal\0", u"None\0", u"16-bit converter",
+    u"Normal\0", Plugin::kDitheringNames, u"16-bit converter",
     u"Packs pictures to RGBA 565 or RGBA 4444 and hands 16-bit rasters on unchanged."};
 }  // namespace
 
@@ -21,7 +23,12 @@ MAVREL_PLUGIN_EXPORT std::uint32_t UNCCompress(const void* source, void* destina
                                                std::uint32_t height, std::uint32_t /*mode*/,
                                                std::uint32_t flags)
 {
-    return Unc::Compress(source, destination, width, height, (flags & MavrelAlpha) != 0);
+    try {
+        return Unc::Compress(source, destination, width, height, (flags & MavrelAlpha) != 0,
+                             Plugin::DitheringOf(flags));
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
 }
 
 MAVREL_PLUGIN_EXPORT std::uint32_t UNCDecompress(const void* source, void* destination, std::uint32_t width,

@@ -30,7 +30,8 @@ class EarlyPreparation : public testing::Test {
 protected:
     EarlyPreparation() : m_oDatabase({CacheIndex::Dxt, CacheIndex::Unc})
     {
-        m_oDatabase.Plugins().BindFunctions(CacheIndex::Dxt, CountingDxt, nullptr);
+        m_oDatabase.Plugins().BindFunctions(CacheIndex::Dxt, CountingDxt, nullptr, CodecThreading::OneAtATime,
+                                            DitheringChoice::Modes);
         m_oTarget.name = L"wall";
         m_oTarget.streamMode = StreamMode::Framed;
         encoderCalls = 0;
@@ -101,6 +102,7 @@ TEST_F(EarlyPreparation, IsDoneAnewWhenTheRulesHaveChanged)
         [this] { m_oDatabase.Settings().WriteInt(L"global", L"thumb_size", 3); },
         [this] { m_oDatabase.Settings().WriteInt(L"DXT", L"quality", 2); },
         [this] { m_oDatabase.Settings().WriteInt(L"DXT", L"dithering", 1); },
+        [this] { m_oDatabase.Settings().WriteInt(L"DXT", L"dithering", 2); },
         [this] { m_oTarget.forcedEncoder = CacheIndex::Dxt; },
         [this] { m_oTarget.hasAlpha = false; }};
     std::uint32_t entries = 0;

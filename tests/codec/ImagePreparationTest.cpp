@@ -1,6 +1,7 @@
 #include "codec/ImagePreparation.h"
 
 #include <gtest/gtest.h>
+#include <utility>
 
 #include "image/Hash.h"
 #include "tests/codec/FakeCodecs.h"
@@ -43,6 +44,15 @@ protected:
     StoreResult Store(const CBitmap& picture, const ImportTarget& target)
     {
         return PrepareAndStore(*m_oDatabase, m_oDatabase.Plugins(), m_oDatabase.Settings(), picture, target);
+    }
+    /// The flags that the encoder of the DXT cache, a Fake one, is called with for a new opaque texture.
+    unsigned FlagsFor(const std::wstring& name)
+    {
+        ImportTarget target = Target(name);
+        const std::uint32_t index = m_oDatabase->EntryCount();
+        Store(SolidPicture(8, 8, static_cast<std::uint8_t>(index), 9, 9, 0xFF), target);
+        const auto bytes = BytesIn(CacheIndex::Dxt, index);
+        return std::to_integer<unsigned>(bytes.at(1)) | std::to_integer<unsigned>(bytes.at(2)) << 8;
     }
     std::wstring StoreError(const CBitmap& picture, const ImportTarget& target)
     {
@@ -196,6 +206,32 @@ TEST_F(ImagePreparation, PassesQualityAndDitheringOfTheEncodersOwnSection)
     EXPECT_EQ(bytes.at(0), std::byte{4});
     EXPECT_EQ(bytes.at(1), std::byte{3 | 16 | 32});
     EXPECT_EQ(bytes.at(2), std::byte{1}) << "interpolated alpha";
+}
+
+// The flags that an encoder is called with for each value of the "dithering" setting, without quality and
+// variant.
+TEST_F(ImagePreparation, TellsAnEncoderThatAsksForItWhichDitheringModeIsChosen)
+{
+    m_oDatabase.Plugins().BindFunctions(CacheIndex::Dxt, Fake::CompressDxt, nullptr, CodecThreading::Free,
+                                        DitheringChoice::Modes);
+    const std::vector<std::pair<int, unsigned>> wanted = {
+        {0, 64},       {1, 64 + 16}, {2, 64 + 16 + 0x2000}, {4, 64 + 16 + 0x4000}, {15, 64 + 16 + 0xF000},
+        {16, 64 + 16}, {-1, 64 + 16}};
+    for (const auto& [mode, flags] : wanted) {
+        Set(L"DXT", L"dithering", mode);
+        EXPECT_EQ(FlagsFor(L"wall" + std::to_wstring(mode + 2)), flags) << mode;
+    }
+}
+
+TEST_F(ImagePreparation, TellsEveryOtherEncoderOnlyThatThereIsDithering)
+{
+    m_oDatabase.Plugins().BindFunctions(CacheIndex::Dxt, Fake::CompressDxt, nullptr, CodecThreading::Free);
+    const std::vector<std::pair<int, unsigned>> wanted = {{0, 64},      {1, 64 + 16},  {2, 64 + 16},
+                                                          {4, 64 + 16}, {15, 64 + 16}, {-1, 64 + 16}};
+    for (const auto& [mode, flags] : wanted) {
+        Set(L"DXT", L"dithering", mode);
+        EXPECT_EQ(FlagsFor(L"wall" + std::to_wstring(mode + 2)), flags) << mode;
+    }
 }
 
 TEST_F(ImagePreparation, PassesModeTwoAndTheOpaqueVariantWithoutAlpha)

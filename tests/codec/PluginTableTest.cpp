@@ -142,6 +142,24 @@ TEST_F(PluginTable, KnowsWhichPluginsMayRunOnSeveralThreads)
     EXPECT_FALSE(m_oTable.Plugins().at(2).threadSafe);
 }
 
+TEST_F(PluginTable, KnowsWhichPluginsAreToldTheDitheringMode)
+{
+    Place("with_modes", "a");
+    Place("build415", "b");
+    Place("odd_text", "c");
+    Place("second", "d");
+    Discover();
+    const std::vector<DitheringChoice> wanted = {DitheringChoice::Modes, DitheringChoice::OnOff,
+                                                 DitheringChoice::OnOff, DitheringChoice::OnOff};
+    for (std::size_t plugin = 0; plugin < wanted.size(); ++plugin) {
+        m_oTable.Bind(CacheIndex::Dxt, plugin);
+        EXPECT_EQ(m_oTable.Dithering(CacheIndex::Dxt), wanted[plugin]) << plugin;
+    }
+    m_oTable.Bind(CacheIndex::Dxt, 0);
+    m_oTable.Unbind(CacheIndex::Dxt);
+    EXPECT_EQ(m_oTable.Dithering(CacheIndex::Dxt), DitheringChoice::OnOff);
+}
+
 TEST_F(PluginTable, HoldsOneLockForAllCachesOfAPluginThatMustNotRunTwice)
 {
     Place("second", "a");

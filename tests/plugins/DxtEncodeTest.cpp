@@ -8,6 +8,7 @@
 
 namespace {
 using Dxt::Variant;
+using Plugin::Dithering;
 using Plugin::Quality;
 using PluginTest::Picture;
 using Bytes = std::vector<std::uint8_t>;
@@ -54,12 +55,10 @@ TEST(DxtEncode, ReachesTheNearestPossibleValueOfASolidChannel)
 {
     for (const Variant variant : {Variant::Dxt1, Variant::Dxt5})
         for (int value = 0; value < 256; ++value) {
-            const Bytes red =
-                RoundTrip(PluginTest::Solid(4, 4, value, 0, 0, 255), {variant, Quality::Fast, false});
+            const Bytes red = RoundTrip(PluginTest::Solid(4, 4, value, 0, 0, 255), {variant, Quality::Fast});
             const Bytes green =
-                RoundTrip(PluginTest::Solid(4, 4, 0, value, 0, 255), {variant, Quality::Fast, false});
-            const Bytes blue =
-                RoundTrip(PluginTest::Solid(4, 4, 0, 0, value, 255), {variant, Quality::Fast, false});
+                RoundTrip(PluginTest::Solid(4, 4, 0, value, 0, 255), {variant, Quality::Fast});
+            const Bytes blue = RoundTrip(PluginTest::Solid(4, 4, 0, 0, value, 255), {variant, Quality::Fast});
             const int five = SmallestDistance(value, 5, variant == Variant::Dxt1);
             const int six = SmallestDistance(value, 6, variant == Variant::Dxt1);
             for (std::size_t i = 0; i < 64; i += 4) {
@@ -77,7 +76,7 @@ TEST(DxtEncode, ShowsEveryGreyNearlyExactly)
     for (const Quality quality : kRisingQuality)
         for (int value = 0; value < 256; ++value) {
             const Picture picture = PluginTest::Solid(4, 4, value, value, value, 255);
-            const Bytes got = RoundTrip(picture, {Variant::Dxt1, quality, false});
+            const Bytes got = RoundTrip(picture, {Variant::Dxt1, quality});
             for (std::size_t i = 0; i < 64; ++i)
                 ASSERT_LE(std::abs(got[i] - picture.pixels[i]), 1) << value;
         }
@@ -92,7 +91,7 @@ TEST(DxtEncode, KeepsTwoColoursThatTheFormatHolds)
     }
     for (const Variant variant : kVariants)
         for (const Quality quality : {Quality::Normal, Quality::High, Quality::Best})
-            EXPECT_EQ(RoundTrip(picture, {variant, quality, false}), picture.pixels);
+            EXPECT_EQ(RoundTrip(picture, {variant, quality}), picture.pixels);
 }
 
 TEST(DxtEncode, DrawsTwoColoursInByNoMoreThanAnEighthAtTheQuickestLevel)
@@ -103,7 +102,7 @@ TEST(DxtEncode, DrawsTwoColoursInByNoMoreThanAnEighthAtTheQuickestLevel)
         picture.pixels[i + 2] = 255;
     }
     for (const Variant variant : {Variant::Dxt1, Variant::Dxt5}) {
-        const Bytes got = RoundTrip(picture, {variant, Quality::Fast, false});
+        const Bytes got = RoundTrip(picture, {variant, Quality::Fast});
         for (std::size_t i = 0; i < 64; ++i)
             EXPECT_LE(std::abs(got[i] - picture.pixels[i]), 33) << "byte " << i;
     }
@@ -123,7 +122,7 @@ TEST(DxtEncode, CutsOneBitAlphaInTheMiddle)
         Picture picture = PluginTest::Bricks(4, 4);
         for (std::size_t i = 0; i < 16; ++i)
             picture.pixels[i * 4 + 3] = static_cast<std::uint8_t>(120 + i);
-        const Bytes got = RoundTrip(picture, {Variant::Dxt1Alpha, quality, false});
+        const Bytes got = RoundTrip(picture, {Variant::Dxt1Alpha, quality});
         for (std::size_t i = 0; i < 16; ++i)
             EXPECT_EQ(got[i * 4 + 3], i < 8 ? 0 : 255) << "alpha " << 120 + i;
     }
@@ -132,7 +131,7 @@ TEST(DxtEncode, CutsOneBitAlphaInTheMiddle)
 TEST(DxtEncode, MakesAFullyTransparentBlockTransparentEverywhere)
 {
     const Bytes got =
-        RoundTrip(PluginTest::Solid(4, 4, 90, 80, 70, 0), {Variant::Dxt1Alpha, Quality::Normal, false});
+        RoundTrip(PluginTest::Solid(4, 4, 90, 80, 70, 0), {Variant::Dxt1Alpha, Quality::Normal});
     EXPECT_EQ(got, Bytes(64, 0));
 }
 
@@ -140,7 +139,7 @@ TEST(DxtEncode, RoundsDxt3AlphaToTheNearestOfSixteen)
 {
     for (int alpha = 0; alpha < 256; ++alpha) {
         const Bytes got =
-            RoundTrip(PluginTest::Solid(1, 1, 0, 0, 0, alpha), {Variant::Dxt3, Quality::Normal, false});
+            RoundTrip(PluginTest::Solid(1, 1, 0, 0, 0, alpha), {Variant::Dxt3, Quality::Normal});
         EXPECT_EQ(got[3] % 17, 0);
         EXPECT_LE(std::abs(got[3] - alpha), 8);
     }
@@ -150,8 +149,7 @@ TEST(DxtEncode, KeepsASingleDxt5AlphaExactly)
 {
     for (const Quality quality : kRisingQuality)
         for (int alpha = 0; alpha < 256; ++alpha) {
-            const Bytes got =
-                RoundTrip(PluginTest::Solid(4, 4, 0, 0, 0, alpha), {Variant::Dxt5, quality, false});
+            const Bytes got = RoundTrip(PluginTest::Solid(4, 4, 0, 0, 0, alpha), {Variant::Dxt5, quality});
             for (std::size_t i = 3; i < 64; i += 4)
                 ASSERT_EQ(got[i], alpha);
         }
@@ -164,7 +162,7 @@ TEST(DxtEncode, KeepsNoneAndFullAlphaBesideTwoOthersInDxt5)
         Picture picture = PluginTest::Solid(4, 4, 0, 0, 0, 0);
         for (std::size_t i = 0; i < 16; ++i)
             picture.pixels[i * 4 + 3] = static_cast<std::uint8_t>(kAlphas[i % 4]);
-        const Bytes got = RoundTrip(picture, {Variant::Dxt5, quality, false});
+        const Bytes got = RoundTrip(picture, {Variant::Dxt5, quality});
         for (std::size_t i = 0; i < 16; ++i)
             EXPECT_EQ(got[i * 4 + 3], kAlphas[i % 4]);
     }
@@ -179,8 +177,7 @@ TEST(DxtEncode, RepeatsTheEdgeInABlockThatSticksOut)
             for (std::size_t channel = 0; channel < 4; ++channel)
                 whole.pixels.push_back(small.pixels[(y * 3 + x) * 4 + channel]);
     for (const Variant variant : kVariants)
-        EXPECT_EQ(Encode(small, {variant, Quality::Normal, false}),
-                  Encode(whole, {variant, Quality::Normal, false}));
+        EXPECT_EQ(Encode(small, {variant, Quality::Normal}), Encode(whole, {variant, Quality::Normal}));
 }
 
 TEST(DxtEncode, StaysInsideItsBuffersAtEverySize)
@@ -188,7 +185,7 @@ TEST(DxtEncode, StaysInsideItsBuffersAtEverySize)
     for (const Variant variant : kVariants)
         for (std::uint32_t width = 1; width <= 17; ++width)
             for (std::uint32_t height = 1; height <= 17; ++height)
-                for (const bool dithering : {false, true}) {
+                for (const Dithering dithering : Plugin::kEveryDithering) {
                     const auto source = PluginTest::ExactCopy(PluginTest::Noise(width, height).pixels);
                     const std::size_t size =
                         std::size_t{(width + 3) / 4} * ((height + 3) / 4) * Dxt::BlockBytes(variant);
@@ -203,7 +200,8 @@ TEST(DxtEncode, RefusesAPictureWithoutPixels)
 {
     std::uint8_t byte = 7;
     EXPECT_EQ(Dxt::Compress(&byte, &byte, 0, 4, {}), 0U);
-    EXPECT_EQ(Dxt::Compress(&byte, &byte, 4, 0, {Variant::Dxt5, Quality::Best, true}), 0U);
+    EXPECT_EQ(Dxt::Compress(&byte, &byte, 4, 0, {Variant::Dxt5, Quality::Best, Dithering::ErrorDiffusion}),
+              0U);
     EXPECT_EQ(byte, 7);
 }
 
@@ -222,7 +220,8 @@ TEST(DxtEncode, GivesTheSameBytesEveryTime)
     const Picture picture = PluginTest::Noise(16, 16);
     for (const Variant variant : kVariants)
         for (const Quality quality : kRisingQuality)
-            EXPECT_EQ(Encode(picture, {variant, quality, true}), Encode(picture, {variant, quality, true}));
+            EXPECT_EQ(Encode(picture, {variant, quality, Dithering::ErrorDiffusion}),
+                      Encode(picture, {variant, quality, Dithering::ErrorDiffusion}));
 }
 
 struct Floor {
@@ -240,7 +239,7 @@ void ExpectRisingQuality(Variant variant, std::size_t channels, const std::array
     for (const Floor& floor : floors) {
         const std::array wanted{floor.noise, floor.gradient, floor.bricks};
         for (std::size_t i = 0; i < pictures.size(); ++i) {
-            const Bytes got = RoundTrip(pictures[i], {variant, floor.quality, false});
+            const Bytes got = RoundTrip(pictures[i], {variant, floor.quality});
             const double psnr = PluginTest::Psnr(pictures[i].pixels, got, channels);
             EXPECT_GE(psnr, wanted[i]) << "picture " << i;
             EXPECT_GE(psnr, before[i]) << "picture " << i;
@@ -275,14 +274,14 @@ TEST(DxtEncode, DithersOnlyWhenAsked)
         const auto value = static_cast<std::uint8_t>(100 + i % 64 / 8);
         ramp.pixels.insert(ramp.pixels.end(), {value, value, value, 255});
     }
-    EXPECT_NE(Encode(ramp, {Variant::Dxt1, Quality::Normal, true}),
-              Encode(ramp, {Variant::Dxt1, Quality::Normal, false}));
+    EXPECT_NE(Encode(ramp, {Variant::Dxt1, Quality::Normal, Dithering::ErrorDiffusion}),
+              Encode(ramp, {Variant::Dxt1, Quality::Normal}));
 }
 
 TEST(DxtEncode, DithersOneBitAlphaToItsMean)
 {
-    const Bytes got =
-        RoundTrip(PluginTest::Solid(64, 64, 0, 0, 0, 64), {Variant::Dxt1Alpha, Quality::Fast, true});
+    const Bytes got = RoundTrip(PluginTest::Solid(64, 64, 0, 0, 0, 64),
+                                {Variant::Dxt1Alpha, Quality::Fast, Dithering::ErrorDiffusion});
     double sum = 0;
     for (std::size_t i = 3; i < got.size(); i += 4)
         sum += got[i];

@@ -2,21 +2,23 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "plugins/dxt/Dxt.h"
+#include "tests/plugins/EveryInstructionSet.h"
 #include "tests/plugins/PluginInterfacePictures.h"
 
 // What must hold for the encoding kernels of every instruction set, whatever the number of threads.
 
 namespace {
 using Dxt::Variant;
+using Plugin::Dithering;
 using Plugin::InstructionSet;
 using Plugin::Quality;
 using PluginTest::Picture;
 using Bytes = std::vector<std::uint8_t>;
 
+constexpr std::array kVariants{Variant::Dxt1, Variant::Dxt1Alpha, Variant::Dxt3, Variant::Dxt5};
 constexpr std::array kQualities{Quality::Fast, Quality::Normal, Quality::High, Quality::Best};
 
 Bytes Encode(const Picture& picture, const Dxt::EncodeOptions& options)
@@ -66,15 +68,16 @@ Picture OddBlocks(std::uint32_t width, std::uint32_t height)
 }
 
 class DxtKernels : public testing::TestWithParam<InstructionSet> {};
+class DxtVectorKernels : public testing::TestWithParam<InstructionSet> {};
 
-TEST_P(DxtKernels, GiveTheBytesOfThePortableOnes)
+TEST_P(DxtVectorKernels, GiveTheBytesOfThePortableOnes)
 {
     if (!Plugin::IsSupported(GetParam()))
         GTEST_SKIP() << "not on this processor";
     // Widths that leave every number of blocks over, and rows that stick out.
     for (const auto& [width, height] : {std::pair{84U, 16U}, {36U, 8U}, {29U, 7U}, {1U, 1U}, {5U, 30U}}) {
         const Picture picture = OddBlocks(width, height);
-        for (const Variant variant : {Variant::Dxt1, Variant::Dxt5})
+        for (const Variant variant : kVariants)
             for (const Quality quality : kQualities) {
                 if (quality == Quality::Best && width > 30)
                     continue;
@@ -88,65 +91,11 @@ TEST_P(DxtKernels, GiveTheBytesOfThePortableOnes)
     }
 }
 
-TEST_P(DxtKernels, ReachTheNearestColourOfEverySolidBlock)
-{
-    if (!Plugin::IsSupported(GetParam()))
-        GTEST_SKIP() << "not on this processor";
-    // What each channel can show at best, by trying all pairs of levels; channels do not depend on each
-    // other.
-    std::array<std::array<int, 256>, 3> four{};
-    std::array<std::array<int, 256>, 3> three{};
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        const int bits = channel == 1 ? 6 : 5;
-        four[channel].fill(255);
-        three[channel].fill(255);
-        for (int first = 0; first < 1 << bits; ++first)
-            for (int second = 0; second < 1 << bits; ++second) {
-                const int a = first << (8 - bits) | first >> (2 * bits - 8);
-                const int b = second << (8 - bits) | second >> (2 * bits - 8);
-                for (int value = 0; value < 256; ++value) {
-                    const auto at = static_cast<std::size_t>(value);
-                    four[channel][at] = std::min(four[channel][at], std::abs(value - (2 * a + b) / 3));
-                    three[channel][at] = std::min(three[channel][at], std::abs(value - (a + b) / 2));
-                }
-            }
-    }
-    // Sixteen colours a row of blocks, so that solid blocks of a batch differ.
-    Picture picture{64, 32, Bytes(64 * 32 * 4)};
-    for (std::size_t i = 0; i < 64 * 32; ++i) {
-        const std::size_t block = i / 64 / 4 * 16 + i % 64 / 4;
-        const std::array<std::size_t, 4> color{block, block * 7 + 3, 255 - block, 255};
-        for (std::size_t channel = 0; channel < 4; ++channel)
-            picture.pixels[i * 4 + channel] = static_cast<std::uint8_t>(color[channel] & 0xFF);
-    }
-    for (const Variant variant : {Variant::Dxt1, Variant::Dxt5})
-        for (const Quality quality : {Quality::Fast, Quality::Normal, Quality::High}) {
-            Dxt::EncodeOptions options{variant, quality};
-            options.instructionSet = GetParam();
-            const Bytes got = Decode(picture, Encode(picture, options), variant);
-            for (std::size_t i = 0; i < got.size(); i += 4) {
-                int error = 0;
-                int ofFour = 0;
-                int ofThree = 0;
-                for (std::size_t channel = 0; channel < 3; ++channel) {
-                    const std::uint8_t value = picture.pixels[i + channel];
-                    const auto squared = [](int difference) { return difference * difference; };
-                    error += squared(got[i + channel] - value);
-                    ofFour += squared(four[channel][value]);
-                    ofThree += squared(three[channel][value]);
-                }
-                ASSERT_EQ(error, variant == Variant::Dxt1 ? std::min(ofFour, ofThree) : ofFour)
-                    << "pixel " << i / 4;
-                ASSERT_EQ(got[i + 3], 255);
-            }
-        }
-}
-
 TEST_P(DxtKernels, StayInsideTheirBuffersAtEverySize)
 {
     if (!Plugin::IsSupported(GetParam()))
         GTEST_SKIP() << "not on this processor";
-    for (const Variant variant : {Variant::Dxt1, Variant::Dxt5})
+    for (const Variant variant : kVariants)
         for (const Quality quality : {Quality::Fast, Quality::Normal})
             for (const std::uint32_t width : {1U, 3U, 4U, 15U, 16U, 31U, 33U, 69U})
                 for (const std::uint32_t height : {1U, 2U, 4U, 5U}) {
@@ -160,26 +109,16 @@ TEST_P(DxtKernels, StayInsideTheirBuffersAtEverySize)
                 }
 }
 
-std::string NameOfSet(const testing::TestParamInfo<InstructionSet>& info)
-{
-    switch (info.param) {
-        case InstructionSet::Portable:
-            return "Portable";
-        case InstructionSet::Sse41:
-            return "Sse41";
-        case InstructionSet::Avx2:
-            return "Avx2";
-    }
-    return "";
-}
-
-INSTANTIATE_TEST_SUITE_P(Every, DxtKernels, testing::ValuesIn(Plugin::kEveryInstructionSet), NameOfSet);
+INSTANTIATE_TEST_SUITE_P(Every, DxtVectorKernels,
+                         testing::Values(InstructionSet::Sse41, InstructionSet::Avx2), PluginTest::NameOfSet);
+INSTANTIATE_TEST_SUITE_P(Every, DxtKernels, testing::ValuesIn(Plugin::kEveryInstructionSet),
+                         PluginTest::NameOfSet);
 
 TEST(DxtThreads, GiveTheSameBytesInAnyNumber)
 {
     const Picture picture = OddBlocks(75, 50);
-    for (const Variant variant : {Variant::Dxt1, Variant::Dxt1Alpha, Variant::Dxt3, Variant::Dxt5})
-        for (const bool dithering : {false, true}) {
+    for (const Variant variant : kVariants)
+        for (const Dithering dithering : Plugin::kEveryDithering) {
             Dxt::EncodeOptions options{variant, Quality::Normal, dithering, 1};
             const Bytes wanted = Encode(picture, options);
             for (const unsigned threads : {0U, 2U, 3U, 40U}) {
@@ -187,28 +126,6 @@ TEST(DxtThreads, GiveTheSameBytesInAnyNumber)
                 EXPECT_EQ(Encode(picture, options), wanted) << threads << " threads";
             }
         }
-}
-
-TEST(DxtEncode, SpendsNothingOnColoursThatNobodySees)
-{
-    // One visible colour beside unseen ones of every kind: it must come out as well as if it stood alone.
-    Picture picture = PluginTest::Noise(4, 4);
-    for (std::size_t i = 0; i < 16; ++i) {
-        const bool isSeen = i % 3 == 0;
-        picture.pixels[i * 4 + 3] = isSeen ? 255 : 0;
-        if (isSeen) {
-            picture.pixels[i * 4] = 90;
-            picture.pixels[i * 4 + 1] = 150;
-            picture.pixels[i * 4 + 2] = 33;
-        }
-    }
-    for (const Quality quality : {Quality::Normal, Quality::High, Quality::Best}) {
-        const Bytes got = Decode(picture, Encode(picture, {Variant::Dxt5, quality}), Variant::Dxt5);
-        for (std::size_t i = 0; i < 16; i += 3)
-            EXPECT_EQ((std::array{got[i * 4], got[i * 4 + 1], got[i * 4 + 2], got[i * 4 + 3]}),
-                      (std::array<std::uint8_t, 4>{90, 150, 33, 255}))
-                << "quality " << static_cast<int>(quality);
-    }
 }
 
 TEST(DxtEncode, UsesBlackBesideThreeColoursAtTheBestLevel)

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "plugins/common/BlockLevel.h"
-#include "plugins/common/ErrorDiffusion.h"
 #include "plugins/common/PluginInfo.h"
 
 namespace {
@@ -23,9 +23,9 @@ TEST(PluginInterface, ListsTheFourQualityLevelsWithTheDefaultFirst)
     EXPECT_TRUE(ReadList(Plugin::kQualityNames) == names);
 }
 
-TEST(PluginInterface, ListsNoDitheringFirst)
+TEST(PluginInterface, ListsTheDitheringModesWithNoneFirst)
 {
-    const std::vector<std::u16string> names{u"None", u"Error diffusion"};
+    const std::vector<std::u16string> names{u"None", u"Error diffusion", u"Ordered"};
     EXPECT_TRUE(ReadList(Plugin::kDitheringNames) == names);
 }
 
@@ -43,6 +43,22 @@ TEST(PluginInterface, TakesAQualityBehindTheListForNormal)
     EXPECT_EQ(Plugin::QualityOf(15), Plugin::Quality::Normal);
 }
 
+TEST(PluginInterface, TakesTheDitheringFromBitsTwelveToFifteenWhenBitFourIsSet)
+{
+    EXPECT_EQ(Plugin::DitheringOf(0), Plugin::Dithering::None);
+    EXPECT_EQ(Plugin::DitheringOf(0x2000), Plugin::Dithering::None);
+    EXPECT_EQ(Plugin::DitheringOf(16 + 0x2000), Plugin::Dithering::Ordered);
+    EXPECT_EQ(Plugin::DitheringOf(3 + 16 + 32 + 256 + 0x2000), Plugin::Dithering::Ordered);
+}
+
+TEST(PluginInterface, TakesDitheringWithoutAKnownModeForErrorDiffusion)
+{
+    EXPECT_EQ(Plugin::DitheringOf(16), Plugin::Dithering::ErrorDiffusion);
+    EXPECT_EQ(Plugin::DitheringOf(16 + 0x1000), Plugin::Dithering::ErrorDiffusion);
+    EXPECT_EQ(Plugin::DitheringOf(16 + 0x3000), Plugin::Dithering::ErrorDiffusion);
+    EXPECT_EQ(Plugin::DitheringOf(16 + 0xF000), Plugin::Dithering::ErrorDiffusion);
+}
+
 TEST(PluginInterface, AnswersTheFourTextsAndNothingElse)
 {
     constexpr Plugin::Texts kTexts{u"q\0", u"d\0", u"name", u"about"};
@@ -52,6 +68,13 @@ TEST(PluginInterface, AnswersTheFourTextsAndNothingElse)
     EXPECT_EQ(Plugin::TextFor(kTexts, 3), kTexts.displayName);
     EXPECT_EQ(Plugin::TextFor(kTexts, 4), kTexts.description);
     EXPECT_EQ(Plugin::TextFor(kTexts, 5), nullptr);
+    EXPECT_EQ(Plugin::TextFor(kTexts, 7), nullptr);
+}
+
+TEST(PluginInterface, SaysThatItTakesTheDitheringModeFromTheFlags)
+{
+    constexpr Plugin::Texts kTexts{u"q\0", u"d\0", u"name", u"about"};
+    EXPECT_TRUE(Plugin::TextFor(kTexts, 6) == std::u16string_view(u"bits 12-15"));
 }
 
 TEST(PluginInterface, CountsWholeBlocksInALevel)
@@ -72,46 +95,5 @@ TEST(PluginInterface, RefusesLevelsThatDoNotFitTheInterface)
     // One pixel wide: 2^30 - 1 rows of pixels fit, but their 2^28 blocks of 16 bytes do not.
     EXPECT_EQ(Plugin::LevelBytes(1, 0x3FFFFFFF, 16), 0U);
     EXPECT_EQ(Plugin::LevelBytes(1, 0x3FFFFFFF, 8), 0x80000000U);
-}
-
-TEST(ErrorDiffusion, PassesChannelsOfEightBitsUnchanged)
-{
-    Plugin::CErrorDiffusion diffusion(2, {8, 8, 8, 8});
-    const std::vector<std::uint8_t> row{1, 2, 3, 4, 250, 251, 252, 253};
-    std::vector<std::uint8_t> out(8);
-    diffusion.NextRow(row.data(), out.data());
-    EXPECT_EQ(out, row);
-}
-
-TEST(ErrorDiffusion, SpreadsTheErrorToTheRightAndBelow)
-{
-    // One bit: 100 becomes 0 and leaves 100; its right neighbour gets 7 sixteenths, 43.75, and becomes 144,
-    // so 255.
-    Plugin::CErrorDiffusion diffusion(2, {1, 8, 8, 8});
-    const std::vector<std::uint8_t> row{100, 9, 9, 9, 100, 9, 9, 9};
-    std::vector<std::uint8_t> out(8);
-    diffusion.NextRow(row.data(), out.data());
-    EXPECT_EQ(out, (std::vector<std::uint8_t>{0, 9, 9, 9, 255, 9, 9, 9}));
-    // Below the first: 5 sixteenths of 100 and 3 of -111, so 110 and 0. Below the second: 1 of 100, 5 of -111
-    // and 7 of 110 make 120, so 0.
-    diffusion.NextRow(row.data(), out.data());
-    EXPECT_EQ(out, (std::vector<std::uint8_t>{0, 9, 9, 9, 0, 9, 9, 9}));
-}
-
-TEST(ErrorDiffusion, KeepsTheMeanOfAFlatPicture)
-{
-    constexpr std::size_t kSide = 64;
-    Plugin::CErrorDiffusion diffusion(kSide, {1, 1, 1, 1});
-    std::vector<std::uint8_t> row(kSide * 4, 77);
-    double sum = 0;
-    for (std::size_t y = 0; y < kSide; ++y) {
-        std::vector<std::uint8_t> out(kSide * 4);
-        diffusion.NextRow(row.data(), out.data());
-        for (const std::uint8_t value : out) {
-            EXPECT_TRUE(value == 0 || value == 255);
-            sum += value;
-        }
-    }
-    EXPECT_NEAR(sum / (kSide * kSide * 4), 77, 2);
 }
 }  // namespace

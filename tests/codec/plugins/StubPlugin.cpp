@@ -45,6 +45,10 @@ MAVREL_PLUGIN_EXPORT const char16_t* GetPluginInfo(uint32_t what)
             return u"Stub \u041A\U0001F3A8";
         case MavrelDescription:
             return u"Does nothing, slowly.";
+#ifdef STUB_DITHERING_BITS
+        case MavrelDitheringBits:
+            return STUB_DITHERING_BITS;
+#endif
         default:
             return nullptr;
     }
