@@ -42,8 +42,8 @@
 //   encode-FORMAT-ENCODER
 //                        the block encoders at every level with one thread and with two, and stb_dxt and
 //                        libsquish when they were there for the build; speed against stb_dxt encoding DXT1,
-//                        mean PSNR of the opaque pictures or, RGBA, of those with alpha, and the PSNR of each.
-//                        "visible" leaves out the colours of pixels whose alpha is 0
+//                        mean PSNR of the opaque pictures or, RGBA, of those with alpha, and the PSNR of
+//                        each. "visible" leaves out the colours of pixels whose alpha is 0
 //
 //   --pictures DIR   PNG files to encode; without it, some of the demo's pictures
 //   --only PREFIX    only workloads whose names begin so, for example "decode" or "encode-ETC1"

@@ -39,12 +39,13 @@ class Row:
     mean: float
     worst: float
     visible: float
+    pictures: str
 
 
 def read_rows(path):
     with open(path, newline="", encoding="utf-8") as file:
         lines = list(csv.reader(file))[1:]
-    return [Row(line[0], line[1], *(float(cell) for cell in line[2:])) for line in lines]
+    return [Row(line[0], line[1], *(float(cell) for cell in line[2:-1]), line[-1]) for line in lines]
 
 
 class Axes:
@@ -130,8 +131,8 @@ def draw_all(rows):
 
 def markdown(rows):
     lines = [
-        "| format | encoder | speed | two threads | mean | worst picture | visible |",
-        "| --- | --- | ---: | ---: | ---: | ---: | ---: |",
+        "| format | encoder | speed | two threads | mean | worst | visible | by picture |",
+        "| --- | --- | ---: | ---: | ---: | ---: | ---: | --- |",
     ]
     for row in rows:
         two = f"{row.units_of_two:.3g} U" if row.units_of_two else ""
@@ -139,7 +140,7 @@ def markdown(rows):
         visible = f"{row.visible:.2f} dB" if row.format in ("DXT1-A", "DXT3", "DXT5", "PVRTC4") else ""
         lines.append(
             f"| {row.format} | {row.encoder} | {row.units:.3g} U | {two} "
-            f"| {row.mean:.2f} dB | {row.worst:.2f} dB | {visible} |"
+            f"| {row.mean:.2f} dB | {row.worst:.2f} dB | {visible} | {row.pictures} |"
         )
     return "\n".join(lines)
 
