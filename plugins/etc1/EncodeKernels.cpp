@@ -4,19 +4,14 @@ namespace Etc1 {
 
 const EncodeKernels& EncodeKernelsFor(Plugin::InstructionSet set)
 {
+    static constexpr const EncodeKernels* kKernels[] = {
+        &kEncodeKernels_Portable,
 #ifdef MAVREL_VECTOR_KERNELS
-    switch (set) {
-        case Plugin::InstructionSet::Portable:
-            break;
-        case Plugin::InstructionSet::Sse41:
-            return kEncodeKernels_Sse41;
-        case Plugin::InstructionSet::Avx2:
-            return kEncodeKernels_Avx2;
-    }
-#else
-    static_cast<void>(set);
+        &kEncodeKernels_Sse41,
+        &kEncodeKernels_Avx2,
 #endif
-    return kEncodeKernels_Portable;
+    };
+    return *Plugin::KernelOf(set, kKernels);
 }
 
 }  // namespace Etc1

@@ -4,19 +4,14 @@ namespace Etc1 {
 
 Plugin::DecodeRowFn DecodeRowFor(Plugin::InstructionSet set)
 {
+    static constexpr Plugin::DecodeRowFn kKernels[] = {
+        DecodeRow_Portable,
 #ifdef MAVREL_VECTOR_KERNELS
-    switch (set) {
-        case Plugin::InstructionSet::Portable:
-            break;
-        case Plugin::InstructionSet::Sse41:
-            return DecodeRow_Sse41;
-        case Plugin::InstructionSet::Avx2:
-            return DecodeRow_Avx2;
-    }
-#else
-    static_cast<void>(set);
+        DecodeRow_Sse41,
+        DecodeRow_Avx2,
 #endif
-    return DecodeRow_Portable;
+    };
+    return Plugin::KernelOf(set, kKernels);
 }
 
 }  // namespace Etc1
