@@ -43,7 +43,7 @@ TEST_F(CPluginChoice, ListsWhatThePluginOfACacheOffers)
                                      L"-", L"&Information"}));
     EXPECT_EQ(ItemsOf(popup.Popup(0)), (Texts{L"DXT.dll\tDXT codec"}));
     EXPECT_EQ(ItemsOf(popup.Popup(2)), (Texts{L"Normal", L"Fast", L"High", L"Best"}));
-    EXPECT_EQ(ItemsOf(popup.Popup(3)), (Texts{L"None", L"Error diffusion"}));
+    EXPECT_EQ(ItemsOf(popup.Popup(3)), (Texts{L"None", L"Error diffusion", L"Ordered"}));
     EXPECT_TRUE(Menu().IsChecked(40480));
     EXPECT_TRUE(Menu().IsChecked(40408));
     EXPECT_TRUE(Menu().IsChecked(40440));
